@@ -1,0 +1,39 @@
+#!/usr/bin/env bash
+# Installs what Horalo needs to build, test and run on Debian 12 / Ubuntu 22.04+.
+# Only packages that are missing are installed; apt runs through sudo when we are not root.
+set -euo pipefail
+
+build_pkgs=(
+  build-essential cmake ninja-build pkg-config
+  qt6-base-dev libqt6svg6
+  libicu-dev libplist-dev
+  libgtest-dev libgmock-dev libbenchmark-dev
+  clang-format
+)
+# What the tests need to drive a real desktop: a virtual X server, a tray host,
+# a session bus and tools that click, read the clipboard and take screenshots.
+test_pkgs=(
+  xvfb xauth xdotool xclip x11-utils imagemagick dbus dbus-x11 trayer
+  fonts-dejavu-core locales tzdata
+)
+
+want=("${build_pkgs[@]}")
+if [[ "${1:-}" == "--with-test-tools" ]]; then
+  want+=("${test_pkgs[@]}")
+fi
+
+missing=()
+for p in "${want[@]}"; do
+  if ! dpkg-query -W -f='${Status}' "$p" 2>/dev/null | grep -q "install ok installed"; then
+    missing+=("$p")
+  fi
+done
+
+if ((${#missing[@]})); then
+  SUDO=""
+  if [[ $(id -u) -ne 0 ]]; then SUDO="sudo"; fi
+  echo "horalo: installing ${missing[*]}"
+  export DEBIAN_FRONTEND=noninteractive
+  $SUDO apt-get update -qq
+  $SUDO apt-get install -y -qq --no-install-recommends "${missing[@]}" >/dev/null
+fi

@@ -1,0 +1,32 @@
+#pragma once
+
+#include <QString>
+
+class Menu;
+
+// The item in the desktop's status area: a title, an optional image and a menu.
+class StatusItem
+{
+public:
+    virtual ~StatusItem() = default;
+
+    virtual void setTitle(const QString &title) = 0;
+    virtual QString title() const = 0;
+    // An image resource name as found by Application::imageNamed(); empty for no image.
+    virtual void setImage(const QString &imageName) = 0;
+    virtual QString image() const = 0;
+    // The menu is borrowed; the item shows it and tells it when it is about to open.
+    virtual void setMenu(Menu *menu) = 0;
+    virtual Menu *menu() const = 0;
+    virtual void setHighlightMode(bool on) = 0;
+};
+
+class StatusBar
+{
+public:
+    static constexpr double kVariableStatusItemLength = -1.0;
+
+    virtual ~StatusBar() = default;
+    // The bar owns the item for the rest of the process.
+    virtual StatusItem *statusItemWithLength(double length) = 0;
+};

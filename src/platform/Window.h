@@ -1,0 +1,31 @@
+#pragma once
+
+#include "platform/AbsoluteTime.h"
+
+#include <functional>
+#include <optional>
+
+// A top-level window of the application. Closing it posts "window will close" to the
+// process's WindowNotificationCenter first.
+class Window
+{
+public:
+    virtual ~Window() = default;
+    virtual void makeKeyAndOrderFront() = 0;
+    virtual void setLevel(int level) = 0;
+    virtual int level() const = 0;
+    virtual void close() = 0;
+    virtual bool isVisible() const = 0;
+};
+
+// A date-and-time picker with whole-second precision. The action runs each time the user
+// changes the value, never when the program sets it.
+class DatePicker
+{
+public:
+    virtual ~DatePicker() = default;
+    // No value when the picker holds no date.
+    virtual std::optional<AbsoluteTime> dateValue() const = 0;
+    virtual void setDateValue(AbsoluteTime value) = 0;
+    virtual void setAction(std::function<void()> action) = 0;
+};

@@ -1,0 +1,259 @@
+#pragma once
+
+// A complete platform that lives in memory: a clock and timers that the caller drives, a
+// recorded clipboard, status item, windows and beeps. Tests and the command line run the real
+// controllers on it.
+
+#include "platform/Menu.h"
+#include "platform/Platform.h"
+
+#include <QList>
+#include <QMap>
+
+#include <memory>
+#include <optional>
+#include <vector>
+
+class InMemoryPreferencesStore final : public PreferencesStore
+{
+public:
+    QVariant copyAppValue(const QString &key, const QString &domain) override;
+    void setAppValue(const QString &key, const QVariant &value, const QString &domain) override;
+    bool appSynchronize(const QString &domain) override;
+    QVariantMap copyAllValues(const QString &domain) override;
+
+    // What happened, in order: "set KEY" and "sync", so tests can check writes and
+    // synchronisations without caring about their values.
+    QStringList log;
+
+private:
+    QMap<QString, QVariantMap> m_domains;
+};
+
+class ManualClock final : public Clock
+{
+public:
+    explicit ManualClock(AbsoluteTime now = 0) : m_now(now) {}
+    AbsoluteTime currentAbsoluteTime() const override { return m_now; }
+    void set(AbsoluteTime now) { m_now = now; }
+    void advance(double seconds) { m_now += seconds; }
+
+private:
+    AbsoluteTime m_now;
+};
+
+class ManualTimerScheduler final : public TimerScheduler
+{
+public:
+    class ManualTimer;
+
+    explicit ManualTimerScheduler(ManualClock &clock) : m_clock(clock) {}
+    ~ManualTimerScheduler() override;
+
+    Timer *scheduleRepeatingTimer(double intervalSeconds, Callback callback) override;
+
+    // Fires one timer now, whether or not it is due (a stale timer the caller kept fires too,
+    // as long as it was not invalidated).
+    void fire(Timer *timer);
+    // Moves the clock forward, firing every due timer in time order as the clock passes it.
+    void advance(double seconds);
+    // The timers that are scheduled and valid, oldest first.
+    QList<Timer *> validTimers() const;
+
+private:
+    ManualClock &m_clock;
+    std::vector<std::unique_ptr<ManualTimer>> m_timers; // kept until the end: pointers stay valid
+};
+
+class InMemoryStatusItem final : public StatusItem
+{
+public:
+    void setTitle(const QString &title) override;
+    QString title() const override { return m_title; }
+    void setImage(const QString &imageName) override { m_image = imageName; }
+    QString image() const override { return m_image; }
+    void setMenu(Menu *menu) override { m_menu = menu; }
+    Menu *menu() const override { return m_menu; }
+    void setHighlightMode(bool on) override { m_highlightMode = on; }
+    bool highlightMode() const { return m_highlightMode; }
+    int titleSetCount() const { return m_titleSetCount; }
+
+    // What the user does: opens the menu (the delegate rebuilds it first) and chooses an entry.
+    void openMenu();
+    bool chooseItemTitled(const QString &title);
+
+private:
+    QString m_title;
+    QString m_image;
+    Menu *m_menu = nullptr;
+    bool m_highlightMode = false;
+    int m_titleSetCount = 0;
+};
+
+class InMemoryStatusBar final : public StatusBar
+{
+public:
+    StatusItem *statusItemWithLength(double length) override;
+    const std::vector<std::unique_ptr<InMemoryStatusItem>> &items() const { return m_items; }
+    InMemoryStatusItem *lastItem() const { return m_items.empty() ? nullptr : m_items.back().get(); }
+
+private:
+    std::vector<std::unique_ptr<InMemoryStatusItem>> m_items;
+};
+
+class InMemoryWindow final : public Window
+{
+public:
+    explicit InMemoryWindow(LocalWindowNotificationCenter &center) : m_center(center) {}
+    void makeKeyAndOrderFront() override;
+    void setLevel(int level) override { m_level = level; }
+    int level() const override { return m_level; }
+    void close() override;
+    bool isVisible() const override { return m_visible; }
+    bool isKey() const { return m_key; }
+    int orderFrontCount() const { return m_orderFrontCount; }
+
+private:
+    LocalWindowNotificationCenter &m_center;
+    int m_level = 0;
+    bool m_visible = false;
+    bool m_key = false;
+    int m_orderFrontCount = 0;
+};
+
+class InMemoryDatePicker final : public DatePicker
+{
+public:
+    std::optional<AbsoluteTime> dateValue() const override { return m_value; }
+    // Whole seconds, as a real picker shows them.
+    void setDateValue(AbsoluteTime value) override;
+    void setAction(std::function<void()> action) override { m_action = std::move(action); }
+    // The user types or clicks a new moment: the value changes and the action runs.
+    void userChangesDateValue(AbsoluteTime value);
+    void clearDateValue() { m_value.reset(); }
+
+private:
+    std::optional<AbsoluteTime> m_value;
+    std::function<void()> m_action;
+};
+
+class InMemoryClipboard final : public Clipboard
+{
+public:
+    int open() override { return m_openStatus; }
+    void clear() override;
+    int putUtf8PlainText(const QByteArray &bytes) override;
+
+    // The one item, or none after a clear (or before any write).
+    std::optional<QByteArray> contents() const { return m_contents; }
+    int writeCount() const { return m_writeCount; }
+    // A non-zero status makes open() fail, as a clipboard that cannot be reached does.
+    void setOpenStatus(int status) { m_openStatus = status; }
+    void setContents(const QByteArray &bytes) { m_contents = bytes; }
+
+private:
+    std::optional<QByteArray> m_contents;
+    int m_writeCount = 0;
+    int m_openStatus = 0;
+};
+
+class InMemoryApplication final : public Application
+{
+public:
+    void terminate() override { ++terminateCount; }
+    void setFrontProcess() override { ++frontCount; }
+    void orderFrontStandardAboutPanel() override { ++aboutCount; }
+    void beep() override { ++beepCount; }
+    int windowLevelForKey(int key) const override;
+    QString imageNamed(const QString &name) const override;
+    QString infoDictionaryValue(const QString &key) const override;
+
+    int terminateCount = 0;
+    int frontCount = 0;
+    int aboutCount = 0;
+    int beepCount = 0;
+    QStringList imageResources{QStringLiteral("Horalo.tif")};
+    QMap<QString, QString> infoDictionary;
+};
+
+// Connects the in-memory centres of several simulated processes; a notification reaches
+// every attached centre when the bus delivers.
+class InMemoryNotificationBus;
+
+class InMemoryDistributedCenter final : public DistributedNotificationCenter
+{
+public:
+    explicit InMemoryDistributedCenter(InMemoryNotificationBus *bus = nullptr);
+    ~InMemoryDistributedCenter() override;
+
+    void addObserver(void *observer, NotificationCallback callback, const QString &name,
+                     const QString &object, SuspensionBehavior behavior) override;
+    void postNotification(const QString &name, const QString &object,
+                          const QVariantMap &userInfo, bool deliverImmediately) override;
+
+    // Runs the callbacks of everything posted so far, as the event loop would. Returns how
+    // many callbacks ran.
+    int deliverPending();
+    int postCount() const { return m_postCount; }
+
+private:
+    friend class InMemoryNotificationBus;
+    struct Observation
+    {
+        void *observer;
+        NotificationCallback callback;
+        QString name;
+        QString object;
+    };
+    struct Pending
+    {
+        QString name;
+        QString object;
+        QVariantMap userInfo;
+    };
+    void enqueue(const Pending &pending) { m_pending.append(pending); }
+
+    InMemoryNotificationBus *m_bus;
+    QList<Observation> m_observations;
+    QList<Pending> m_pending;
+    int m_postCount = 0;
+};
+
+class InMemoryNotificationBus
+{
+public:
+    void attach(InMemoryDistributedCenter *center) { m_centers.append(center); }
+    void detach(InMemoryDistributedCenter *center) { m_centers.removeAll(center); }
+    void broadcast(const QString &name, const QString &object, const QVariantMap &userInfo);
+
+private:
+    QList<InMemoryDistributedCenter *> m_centers;
+};
+
+// All of the above, wired together.
+class InMemoryPlatform
+{
+public:
+    explicit InMemoryPlatform(AbsoluteTime now = 0, PreferencesStore *store = nullptr,
+                              InMemoryNotificationBus *bus = nullptr);
+
+    Platform platform();
+    ChooserInterface chooserInterface() { return {&chooserWindow, &datePicker}; }
+    InMemoryStatusItem *statusItem() const { return statusBar.lastItem(); }
+
+    // Lets pending notifications through, as one turn of the event loop would.
+    int processEvents() { return distributedCenter.deliverPending(); }
+
+    InMemoryPreferencesStore ownStore;
+    PreferencesStore &store;
+    UserDefaults userDefaults;
+    InMemoryDistributedCenter distributedCenter;
+    LocalWindowNotificationCenter windowCenter;
+    ManualClock clock;
+    ManualTimerScheduler timers;
+    InMemoryStatusBar statusBar;
+    InMemoryClipboard clipboard;
+    InMemoryApplication application;
+    InMemoryWindow chooserWindow;
+    InMemoryDatePicker datePicker;
+};
