@@ -5,7 +5,7 @@ set -euo pipefail
 
 build_pkgs=(
   build-essential cmake ninja-build pkg-config
-  qt6-base-dev libqt6svg6
+  qt6-base-dev libqt6svg6 qt6-image-formats-plugins
   libicu-dev libplist-dev
   libgtest-dev libgmock-dev libbenchmark-dev
   clang-format

@@ -1,1 +1,96 @@
 #pragma once
+
+#include "chooser/DateTimeChooser.h"
+#include "platform/Menu.h"
+#include "platform/Platform.h"
+#include "statusmenu/StatusMenu.h"
+
+#include <QStringList>
+
+// The one application controller: start-up, the single rebuild path, and every action the
+// status menu sends.
+class AppController final : public MenuDelegate, public MenuTarget
+{
+public:
+    // preferencesWindow is the preferences window's, shown by "Preferences..."; it may be null
+    // where there is no such window (the command line).
+    AppController(Platform &platform, ChooserInterface chooser, Window *preferencesWindow);
+
+    // Start-up, in this order: awakeFromNib() once the interface exists, then
+    // applicationWillFinishLaunching(), then the event loop.
+    void awakeFromNib();
+    void applicationWillFinishLaunching();
+    void applicationWillTerminate() {}
+
+    // The single rebuild path: reloads the custom formats, freezes a ticking chooser and
+    // rebuilds the menu. Runs at start-up, on "Preferences Changed", and as the menu opens.
+    void setup();
+
+    // MenuDelegate, MenuTarget
+    void menuNeedsUpdate(Menu *menu) override;
+    bool validateMenuItem(const MenuItem &item) override;
+    void performAction(const QString &action, const MenuItem &sender) override;
+
+    void selItemPreferences(const MenuItem &sender);
+    void selItemAbout(const MenuItem &sender);
+    void selItemQuit(const MenuItem &sender);
+
+    // The copy actions: each renders its format afresh and puts it on the clipboard.
+    void shortDate(const MenuItem &sender) { copy(QStringLiteral("shortDate:"), sender); }
+    void mediumDate(const MenuItem &sender) { copy(QStringLiteral("mediumDate:"), sender); }
+    void longDate(const MenuItem &sender) { copy(QStringLiteral("longDate:"), sender); }
+    void fullDate(const MenuItem &sender) { copy(QStringLiteral("fullDate:"), sender); }
+    void shortDateTime(const MenuItem &sender) { copy(QStringLiteral("shortDateTime:"), sender); }
+    void mediumDateTime(const MenuItem &sender) { copy(QStringLiteral("mediumDateTime:"), sender); }
+    void longDateTime(const MenuItem &sender) { copy(QStringLiteral("longDateTime:"), sender); }
+    void fullDateTime(const MenuItem &sender) { copy(QStringLiteral("fullDateTime:"), sender); }
+    void shortTime(const MenuItem &sender) { copy(QStringLiteral("shortTime:"), sender); }
+    void mediumTime(const MenuItem &sender) { copy(QStringLiteral("mediumTime:"), sender); }
+    void longTime(const MenuItem &sender) { copy(QStringLiteral("longTime:"), sender); }
+    void fullTime(const MenuItem &sender) { copy(QStringLiteral("fullTime:"), sender); }
+    void gmtDateTime(const MenuItem &sender) { copy(QStringLiteral("gmtDateTime:"), sender); }
+    void numericalDate(const MenuItem &sender) { copy(QStringLiteral("numericalDate:"), sender); }
+    void numericalDateTime(const MenuItem &sender)
+    {
+        copy(QStringLiteral("numericalDateTime:"), sender);
+    }
+    void numericalDateNoHyphens(const MenuItem &sender)
+    {
+        copy(QStringLiteral("numericalDateNoHyphens:"), sender);
+    }
+    // Reads the format back from the chosen entry's tool tip.
+    void customDateFormatter(const MenuItem &sender)
+    {
+        copy(QStringLiteral("customDateFormatter:"), sender);
+    }
+    // Clears the clipboard and puts the UTF-8 bytes as its one item; 0 on success.
+    int putStringOnClipboard(const QByteArray &utf8);
+
+    void itemTitleTimerAction(Timer *timer) { m_statusMenu.itemTitleTimerAction(timer); }
+
+    // The chooser's operations.
+    void showCalendar(const MenuItem &) { m_chooser.showCalendar(); }
+    void datePickerAction() { m_chooser.datePickerAction(); }
+    void timerAction(Timer *timer) { m_chooser.timerAction(timer); }
+    void windowWillClose(Window *window) { m_chooser.windowWillClose(window); }
+
+    const QStringList &customDates() const { return m_customDates; }
+    StatusMenu &statusMenu() { return m_statusMenu; }
+    DateTimeChooser &chooser() { return m_chooser; }
+    int setupCount() const { return m_setupCount; }
+
+private:
+    void copy(const QString &action, const MenuItem &sender);
+
+    Platform &m_platform;
+    Window *m_preferencesWindow;
+    StatusMenu m_statusMenu;
+    DateTimeChooser m_chooser;
+    QStringList m_customDates;
+    int m_setupCount = 0;
+};
+
+// The "Preferences Changed" observer: rebuilds through the controller it was registered with.
+void PreferencesChangedCallback(DistributedNotificationCenter *center, void *observer,
+                                const QString &name, const QString &object,
+                                const QVariantMap &userInfo);

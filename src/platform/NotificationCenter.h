@@ -14,7 +14,8 @@ using NotificationCallback = void (*)(DistributedNotificationCenter *center, voi
                                       const QString &name, const QString &object,
                                       const QVariantMap &userInfo);
 
-enum class SuspensionBehavior {
+enum class SuspensionBehavior
+{
     Drop = 1,
     Coalesce = 2,
     Hold = 3,

@@ -5,8 +5,7 @@
 UserDefaults::UserDefaults(PreferencesStore &store, QString domain,
                            RegistrationProvider registration)
     : m_store(store), m_domain(std::move(domain)), m_registration(std::move(registration))
-{
-}
+{}
 
 QVariant UserDefaults::objectForKey(const QString &key) const
 {

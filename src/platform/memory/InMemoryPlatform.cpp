@@ -42,8 +42,7 @@ class ManualTimerScheduler::ManualTimer final : public Timer
 public:
     ManualTimer(double interval, AbsoluteTime firstFire, Callback onFire)
         : m_interval(interval), nextFire(firstFire), callback(std::move(onFire))
-    {
-    }
+    {}
     void invalidate() override { m_valid = false; }
     bool isValid() const override { return m_valid; }
     double timeInterval() const override { return m_interval; }
@@ -263,14 +262,12 @@ void InMemoryNotificationBus::broadcast(const QString &name, const QString &obje
 
 InMemoryPlatform::InMemoryPlatform(AbsoluteTime now, PreferencesStore *externalStore,
                                    InMemoryNotificationBus *bus)
-    : store(externalStore ? *externalStore : ownStore),
-      userDefaults(store, AppIdentifier), distributedCenter(bus),
-      clock(now), timers(clock), chooserWindow(windowCenter)
-{
-}
+    : store(externalStore ? *externalStore : ownStore), userDefaults(store, AppIdentifier),
+      distributedCenter(bus), clock(now), timers(clock), chooserWindow(windowCenter)
+{}
 
 Platform InMemoryPlatform::platform()
 {
-    return Platform{store,    userDefaults, distributedCenter, windowCenter, clock,
-                    timers,   statusBar,    clipboard,         application};
+    return Platform{store,  userDefaults, distributedCenter, windowCenter, clock,
+                    timers, statusBar,    clipboard,         application};
 }

@@ -95,7 +95,10 @@ class InMemoryStatusBar final : public StatusBar
 public:
     StatusItem *statusItemWithLength(double length) override;
     const std::vector<std::unique_ptr<InMemoryStatusItem>> &items() const { return m_items; }
-    InMemoryStatusItem *lastItem() const { return m_items.empty() ? nullptr : m_items.back().get(); }
+    InMemoryStatusItem *lastItem() const
+    {
+        return m_items.empty() ? nullptr : m_items.back().get();
+    }
 
 private:
     std::vector<std::unique_ptr<InMemoryStatusItem>> m_items;
@@ -188,8 +191,8 @@ public:
 
     void addObserver(void *observer, NotificationCallback callback, const QString &name,
                      const QString &object, SuspensionBehavior behavior) override;
-    void postNotification(const QString &name, const QString &object,
-                          const QVariantMap &userInfo, bool deliverImmediately) override;
+    void postNotification(const QString &name, const QString &object, const QVariantMap &userInfo,
+                          bool deliverImmediately) override;
 
     // Runs the callbacks of everything posted so far, as the event loop would. Returns how
     // many callbacks ran.

@@ -1,0 +1,329 @@
+#include "platform/qt/QtPlatform.h"
+
+#include "platform/Version.h"
+
+#include <QApplication>
+#include <QClipboard>
+#include <QCloseEvent>
+#include <QCursor>
+#include <QFile>
+#include <QImageReader>
+#include <QKeyEvent>
+#include <QMessageBox>
+#include <QMimeData>
+#include <QScreen>
+#include <QVBoxLayout>
+
+#include <cmath>
+
+// --- timers ---
+
+namespace {
+
+class QtTimer final : public Timer
+{
+public:
+    QtTimer(double interval, TimerScheduler::Callback callback)
+        : m_interval(interval), m_callback(std::move(callback))
+    {
+        m_timer.setTimerType(interval < 0.5 ? Qt::PreciseTimer : Qt::CoarseTimer);
+        m_timer.setInterval(static_cast<int>(interval * 1000.0 + 0.5));
+        QObject::connect(&m_timer, &QTimer::timeout, &m_timer, [this] { m_callback(this); });
+        m_timer.start();
+    }
+    void invalidate() override
+    {
+        if (!m_valid)
+            return;
+        m_valid = false;
+        m_timer.stop();
+        // Holders may still compare the pointer during the current event; delete afterwards.
+        QTimer::singleShot(0, [this] { delete this; });
+    }
+    bool isValid() const override { return m_valid; }
+    double timeInterval() const override { return m_interval; }
+
+private:
+    QTimer m_timer;
+    double m_interval;
+    TimerScheduler::Callback m_callback;
+    bool m_valid = true;
+};
+
+} // namespace
+
+Timer *QtTimerScheduler::scheduleRepeatingTimer(double intervalSeconds, Callback callback)
+{
+    // The event loop owns the timer until it is invalidated, as the interface promises.
+    return new QtTimer(intervalSeconds, std::move(callback));
+}
+
+// --- icon ---
+
+QIcon LoadIconResource(const QString &imageName)
+{
+    QIcon icon;
+    QImageReader reader(QStringLiteral(":/") + imageName);
+    const int count = qMax(1, reader.imageCount());
+    for (int i = 0; i < count; ++i) {
+        if (i > 0 && !reader.jumpToNextImage())
+            break;
+        const QImage image = reader.read();
+        if (!image.isNull())
+            icon.addPixmap(QPixmap::fromImage(image));
+    }
+    return icon;
+}
+
+// --- status item ---
+
+QtStatusItem::QtStatusItem() : m_qmenu(std::make_unique<QMenu>())
+{
+    m_qmenu->setToolTipsVisible(true);
+    connect(m_qmenu.get(), &QMenu::aboutToShow, this, &QtStatusItem::aboutToShow);
+    connect(&m_tray, &QSystemTrayIcon::activated, this, &QtStatusItem::activated);
+    m_tray.setContextMenu(m_qmenu.get());
+    // The tray needs an icon to be shown at all; without one the menu could not be reached.
+    m_tray.setIcon(LoadIconResource(QStringLiteral("Horalo.tif")));
+    m_tray.show();
+}
+
+QtStatusItem::~QtStatusItem()
+{
+    m_tray.hide();
+}
+
+void QtStatusItem::setTitle(const QString &title)
+{
+    m_title = title;
+    m_tray.setToolTip(title);
+}
+
+void QtStatusItem::setImage(const QString &imageName)
+{
+    m_imageName = imageName;
+    // A tray icon cannot be hidden without hiding the item, and it has no text to fall back on,
+    // so "no image" keeps the icon: the clock must stay reachable.
+    if (!imageName.isEmpty())
+        m_tray.setIcon(LoadIconResource(imageName));
+}
+
+void QtStatusItem::aboutToShow()
+{
+    if (m_menu)
+        m_menu->willOpen();
+    syncMenu();
+}
+
+void QtStatusItem::activated(QSystemTrayIcon::ActivationReason reason)
+{
+    // XEmbed trays open the context menu on a right click only; a clock's menu should open on
+    // any click.
+    if (reason == QSystemTrayIcon::Trigger || reason == QSystemTrayIcon::DoubleClick)
+        m_qmenu->popup(QCursor::pos());
+}
+
+void QtStatusItem::syncMenu()
+{
+    m_qmenu->clear();
+    if (!m_menu)
+        return;
+    for (int i = 0; i < m_menu->numberOfItems(); ++i) {
+        const MenuItem &item = m_menu->itemAtIndex(i);
+        if (item.separator) {
+            m_qmenu->addSeparator();
+            continue;
+        }
+        // An ampersand in a rendered date is text, not a mnemonic.
+        QString text = item.title;
+        text.replace(QLatin1Char('&'), QLatin1String("&&"));
+        QAction *action = m_qmenu->addAction(text);
+        action->setToolTip(item.toolTip);
+        action->setEnabled(m_menu->isItemEnabled(i));
+        action->setShortcut(QKeySequence(item.keyEquivalent));
+        Menu *menu = m_menu;
+        const quint64 revision = menu->revision();
+        connect(action, &QAction::triggered, this, [menu, i, revision] {
+            // Only act on the menu the user saw; a rebuild in between makes the index stale.
+            if (menu->revision() == revision)
+                menu->activateItemAtIndex(i);
+        });
+    }
+}
+
+StatusItem *QtStatusBar::statusItemWithLength(double)
+{
+    m_items.push_back(std::make_unique<QtStatusItem>());
+    return m_items.back().get();
+}
+
+// --- clipboard ---
+
+int QtClipboard::open()
+{
+    return QGuiApplication::clipboard() ? 0 : -1;
+}
+
+void QtClipboard::clear()
+{
+    QGuiApplication::clipboard()->clear(QClipboard::Clipboard);
+}
+
+int QtClipboard::putUtf8PlainText(const QByteArray &bytes)
+{
+    auto *mime = new QMimeData;
+    // Plain text only: X11 readers get UTF8_STRING and text/plain;charset=utf-8 from this.
+    mime->setText(QString::fromUtf8(bytes));
+    QGuiApplication::clipboard()->setMimeData(mime, QClipboard::Clipboard);
+    return 0;
+}
+
+// --- application ---
+
+void QtApplication::terminate()
+{
+    QCoreApplication::quit();
+}
+
+void QtApplication::setFrontProcess()
+{
+    // A tray program has no window of its own in front; the window it shows next activates
+    // itself. Nothing else to do on this desktop.
+}
+
+void QtApplication::orderFrontStandardAboutPanel()
+{
+    auto *box = new QMessageBox;
+    box->setAttribute(Qt::WA_DeleteOnClose);
+    box->setWindowTitle(QStringLiteral("About Horalo"));
+    box->setIconPixmap(LoadIconResource(QStringLiteral("Horalo.tif")).pixmap(64, 64));
+    box->setText(QStringLiteral("<b>%1</b> %2")
+                     .arg(infoDictionaryValue(QStringLiteral("CFBundleName")),
+                          infoDictionaryValue(QStringLiteral("CFBundleShortVersionString"))));
+    box->setInformativeText(QStringLiteral("The date and time in your status area, in the format "
+                                           "you choose, one click from the clipboard."));
+    box->setStandardButtons(QMessageBox::Ok);
+    box->show();
+    box->raise();
+    box->activateWindow();
+}
+
+void QtApplication::beep()
+{
+    QApplication::beep();
+}
+
+int QtApplication::windowLevelForKey(int key) const
+{
+    return key == kScreenSaverWindowLevelKey ? 1000 : 0;
+}
+
+QString QtApplication::imageNamed(const QString &name) const
+{
+    return QFile::exists(QStringLiteral(":/") + name) ? name : QString();
+}
+
+QString QtApplication::infoDictionaryValue(const QString &key) const
+{
+    if (key == QLatin1String("CFBundleName"))
+        return QStringLiteral(HORALO_NAME);
+    if (key == QLatin1String("CFBundleShortVersionString"))
+        return QStringLiteral(HORALO_VERSION);
+    return {};
+}
+
+// --- chooser window ---
+
+QtChooserWindow::QtChooserWindow(LocalWindowNotificationCenter &windowCenter)
+    : QWidget(nullptr, Qt::Tool), m_windowCenter(windowCenter), m_calendar(new QCalendarWidget),
+      m_edit(new QDateTimeEdit)
+{
+    setWindowTitle(QStringLiteral("Date-Time Chooser"));
+    setAttribute(Qt::WA_QuitOnClose, false);
+    m_calendar->setGridVisible(false);
+    m_calendar->setVerticalHeaderFormat(QCalendarWidget::NoVerticalHeader);
+    m_edit->setDisplayFormat(QStringLiteral("yyyy-MM-dd  HH:mm:ss"));
+    m_edit->setTimeSpec(Qt::LocalTime);
+    m_edit->setMinimumDate(QDate(1, 1, 1));
+    m_edit->setMaximumDate(QDate(9999, 12, 31));
+    m_edit->setAlignment(Qt::AlignCenter);
+
+    auto *layout = new QVBoxLayout(this);
+    layout->addWidget(m_calendar);
+    layout->addWidget(m_edit);
+    setFocusProxy(m_edit);
+
+    connect(m_edit, &QDateTimeEdit::dateTimeChanged, this, &QtChooserWindow::userChanged);
+    connect(m_calendar, &QCalendarWidget::clicked, this, [this](QDate date) {
+        QDateTime value = m_edit->dateTime();
+        value.setDate(date);
+        m_edit->setDateTime(value); // reaches userChanged through dateTimeChanged
+    });
+}
+
+void QtChooserWindow::makeKeyAndOrderFront()
+{
+    if (!m_placed) {
+        // Open where the user is looking: near the top right of the screen under the pointer,
+        // below the panel, as a tray's companion window usually is.
+        adjustSize();
+        if (QScreen *screen = QGuiApplication::screenAt(QCursor::pos())) {
+            const QRect area = screen->availableGeometry();
+            move(area.right() - width() - 16, area.top() + 16);
+        }
+        m_placed = true;
+    }
+    show();
+    raise();
+    activateWindow();
+    m_edit->setFocus(Qt::OtherFocusReason);
+}
+
+void QtChooserWindow::setLevel(int level)
+{
+    m_level = level;
+    setWindowFlag(Qt::WindowStaysOnTopHint, level > 0);
+}
+
+std::optional<AbsoluteTime> QtChooserWindow::dateValue() const
+{
+    const QDateTime value = m_edit->dateTime();
+    if (!value.isValid())
+        return std::nullopt;
+    return AbsoluteTimeFromDate(value);
+}
+
+void QtChooserWindow::setDateValue(AbsoluteTime value)
+{
+    // The program's own changes are not the user's: no action for them.
+    const QSignalBlocker blockEdit(m_edit);
+    const QSignalBlocker blockCalendar(m_calendar);
+    const QDateTime local = DateFromAbsoluteTime(std::floor(value)).toLocalTime();
+    m_edit->setDateTime(local);
+    m_calendar->setSelectedDate(local.date());
+}
+
+void QtChooserWindow::userChanged(const QDateTime &value)
+{
+    {
+        const QSignalBlocker blockCalendar(m_calendar);
+        m_calendar->setSelectedDate(value.date());
+    }
+    if (m_action)
+        m_action();
+}
+
+void QtChooserWindow::closeEvent(QCloseEvent *event)
+{
+    m_windowCenter.postWindowWillClose(this);
+    QWidget::closeEvent(event);
+}
+
+void QtChooserWindow::keyPressEvent(QKeyEvent *event)
+{
+    if (event->key() == Qt::Key_Escape) {
+        close();
+        return;
+    }
+    QWidget::keyPressEvent(event);
+}

@@ -1,0 +1,291 @@
+#include "statusmenu/StatusMenu.h"
+
+#include "app/settings/Settings.h"
+#include "datetext/DateText.h"
+#include "datetext/NSDateExtensions.h"
+#include "statusmenu/CopyActions.h"
+
+struct StatusMenu::StyledEntry
+{
+    const char *symbolicName;
+    DateFormatterStyle dateStyle;
+    DateFormatterStyle timeStyle;
+    const char *action;
+};
+
+namespace {
+
+const char kIconName[] = "Horalo.tif";
+
+// "%@" placeholders are filled left to right; a missing text leaves the line without it.
+QString FillPlaceholders(const QString &pattern, const QStringList &values)
+{
+    QString result;
+    qsizetype from = 0;
+    int next = 0;
+    for (;;) {
+        const qsizetype at = pattern.indexOf(QLatin1String("%@"), from);
+        if (at < 0)
+            break;
+        result += pattern.mid(from, at - from);
+        if (next < values.size())
+            result += values.at(next);
+        ++next;
+        from = at + 2;
+    }
+    result += pattern.mid(from);
+    return result;
+}
+
+} // namespace
+
+StatusMenu::StatusMenu(Platform &platform, MenuDelegate &delegate, MenuTarget &target)
+    : m_platform(platform), m_delegate(delegate), m_target(target)
+{}
+
+void StatusMenu::createStatusItem()
+{
+    m_item = m_platform.statusBar.statusItemWithLength(StatusBar::kVariableStatusItemLength);
+    m_item->setHighlightMode(true);
+}
+
+void StatusMenu::addItem(const QString &title, const QString &action, const QString &toolTip)
+{
+    MenuItem item;
+    item.title = title;
+    item.action = action;
+    item.keyEquivalent = QString(); // no entry has a keyboard shortcut
+    item.toolTip = toolTip;
+    m_menu->addItem(item);
+}
+
+void StatusMenu::addSeparator()
+{
+    m_menu->addItem(MenuItem::separatorItem());
+}
+
+void StatusMenu::buildMenu(const QStringList &customDates)
+{
+    m_menu = m_item ? m_item->menu() : m_menu;
+    if (!m_menu) {
+        m_ownedMenu = std::make_unique<Menu>();
+        m_menu = m_ownedMenu.get();
+        m_menu->setAutoenablesItems(true);
+        m_menu->setDelegate(&m_delegate);
+        m_menu->setTarget(&m_target);
+        if (m_item)
+            m_item->setMenu(m_menu);
+    }
+
+    while (m_menu->numberOfItems() > 0)
+        m_menu->removeItemAtIndex(0);
+
+    const Clock &clock = m_platform.clock;
+    addItem(QStringLiteral("Date-Time Chooser"), QStringLiteral("showCalendar:"));
+    addItem(FillPlaceholders(QStringLiteral("It is now: %@"),
+                             {CurrentDateTimeString(clock, kMediumStyle, kShortStyle)}),
+            QString());
+
+    if (g_selectedDateTime != 0.0) {
+        QString days = NSDateExtensions::daysSinceAbsoluteTme(clock, g_selectedDateTime);
+        // Past and future moments read alike: the count is shown without its sign.
+        if (days.startsWith(QLatin1Char('-')))
+            days.remove(0, 1);
+        addItem(FillPlaceholders(
+                    QStringLiteral("Days To %@: %@"),
+                    {MakeCurrentDateTimeStringRef(clock, kMediumStyle, kShortStyle), days}),
+                QString());
+
+        QString phrase;
+        if (const auto date = NSDateExtensions::dateFromCFAbsoluteTime(clock, g_selectedDateTime))
+            phrase = date->timesinceWithDepth(7).remove(QLatin1Char('-'));
+        addItem(FillPlaceholders(QStringLiteral("(%@)"), {phrase}), QString());
+    }
+    addSeparator();
+
+    if (IncludeGMTDateTime(m_platform.store))
+        addNumericalDateTimeItems();
+
+    addDateTimeItems();
+
+    if (IncludeDateOnlyItems(m_platform.store)) {
+        addSeparator();
+        addDateItems();
+    }
+    if (IncludeTimeOnlyItems(m_platform.store)) {
+        addSeparator();
+        addTimeItems();
+    }
+    if (!customDates.isEmpty()) {
+        addSeparator();
+        addItem(QStringLiteral("Custom Dates"), QString());
+        addCustomDateFormatterItems(customDates);
+    }
+
+    addSeparator();
+    addItem(QStringLiteral("Preferences..."), QStringLiteral("selItemPreferences:"));
+    addSeparator();
+    addItem(QStringLiteral("About Horalo"), QStringLiteral("selItemAbout:"));
+    addItem(QStringLiteral("Quit"), QStringLiteral("selItemQuit:"));
+
+    if (m_item) {
+        m_item->setImage(IncludeTitleIcon(m_platform.store)
+                             ? m_platform.application.imageNamed(QString::fromLatin1(kIconName))
+                             : QString());
+    }
+
+    if (!m_itemTitleTimer) {
+        m_itemTitleTimer = m_platform.timers.scheduleRepeatingTimer(
+            kTitleRefreshInterval, [this](Timer *timer) { itemTitleTimerAction(timer); });
+    }
+}
+
+void StatusMenu::addStyledGroup(const StyledEntry *entries)
+{
+    const bool symbolic = UseSymbolicNames(m_platform.store);
+    for (int i = 0; i < 4; ++i) {
+        const StyledEntry &entry = entries[i];
+        const QString action = QString::fromLatin1(entry.action);
+        if (symbolic) {
+            addItem(QString::fromLatin1(entry.symbolicName), action);
+            continue;
+        }
+        const QString text =
+            MakeCurrentDateTimeStringRef(m_platform.clock, entry.dateStyle, entry.timeStyle);
+        if (!text.isNull())
+            addItem(text, action);
+    }
+}
+
+void StatusMenu::addDateTimeItems()
+{
+    // The menu's names of the date-and-time formats carry a hyphen, the title's names do not;
+    // both spellings are what users know and have stored, so neither may change.
+    static constexpr StyledEntry entries[] = {
+        {"Short Date-Time", kShortStyle, kShortStyle, "shortDateTime:"},
+        {"Medium Date-Time", kMediumStyle, kMediumStyle, "mediumDateTime:"},
+        {"Long Date-Time", kLongStyle, kLongStyle, "longDateTime:"},
+        {"Full Date-Time", kFullStyle, kFullStyle, "fullDateTime:"},
+    };
+    addStyledGroup(entries);
+}
+
+void StatusMenu::addDateItems()
+{
+    static constexpr StyledEntry entries[] = {
+        {"Short Date", kShortStyle, kNoStyle, "shortDate:"},
+        {"Medium Date", kMediumStyle, kNoStyle, "mediumDate:"},
+        {"Long Date", kLongStyle, kNoStyle, "longDate:"},
+        {"Full Date", kFullStyle, kNoStyle, "fullDate:"},
+    };
+    addStyledGroup(entries);
+}
+
+void StatusMenu::addTimeItems()
+{
+    static constexpr StyledEntry entries[] = {
+        {"Short Time", kNoStyle, kShortStyle, "shortTime:"},
+        {"Medium Time", kNoStyle, kMediumStyle, "mediumTime:"},
+        {"Long Time", kNoStyle, kLongStyle, "longTime:"},
+        {"Full Time", kNoStyle, kFullStyle, "fullTime:"},
+    };
+    addStyledGroup(entries);
+}
+
+void StatusMenu::addNumericalDateTimeItems()
+{
+    if (UseSymbolicNames(m_platform.store)) {
+        addItem(QStringLiteral("GMT Date Time"), QStringLiteral("gmtDateTime:"));
+        addItem(QStringLiteral("Numerical Date Time"), QStringLiteral("numericalDateTime:"));
+        addItem(QStringLiteral("Numerical Date"), QStringLiteral("numericalDate:"));
+        addItem(QStringLiteral("Numerical Date No Hyphens"),
+                QStringLiteral("numericalDateNoHyphens:"));
+        addSeparator();
+        return;
+    }
+
+    const QString description = DefaultDescription(WorkingInstant(m_platform.clock));
+    addItem(description, QStringLiteral("gmtDateTime:"));
+
+    const QStringList fields = DescriptionFields(description);
+    if (fields.isEmpty()) {
+        addSeparator();
+        return;
+    }
+    const QString date = fields.at(0);
+    QString dateTime = date;
+    if (fields.size() > 1)
+        dateTime += QLatin1Char(' ') + fields.at(1);
+
+    addItem(dateTime, QStringLiteral("numericalDateTime:"));
+    addItem(date, QStringLiteral("numericalDate:"));
+    addItem(QString(date).remove(QLatin1Char('-')), QStringLiteral("numericalDateNoHyphens:"));
+    addSeparator();
+}
+
+void StatusMenu::addCustomDateFormatterItems(const QStringList &customDates)
+{
+    const CalendarDate date =
+        CalendarDateWithTimeIntervalSinceReferenceDate(WorkingInstant(m_platform.clock));
+    for (qsizetype i = 0; i < customDates.size(); ++i) {
+        const QString &format = customDates.at(i);
+        const QString text = MakeFormattedDateString(date, format);
+        if (!text.isNull())
+            addItem(text, QStringLiteral("customDateFormatter:"), format);
+    }
+}
+
+void StatusMenu::itemTitleTimerAction(Timer *)
+{
+    if (!m_item)
+        return;
+    const QString override = m_platform.userDefaults.stringForKey(SettingsKey::MenuTitleFormatter);
+    if (!override.isEmpty()) {
+        const CalendarDate date =
+            CalendarDateWithTimeIntervalSinceReferenceDate(WorkingInstant(m_platform.clock));
+        const QString text = MakeFormattedDateString(date, override);
+        m_item->setTitle(text.isNull() ? QStringLiteral("Bad Format") : text);
+        return;
+    }
+
+    using TitleOperation = QString (*)(const Clock &);
+    static const struct
+    {
+        const char *name;
+        TitleOperation render;
+    } kTitleFormats[] = {
+        {"Short Date", ShortDateString},
+        {"Medium Date", MediumDateString},
+        {"Long Date", LongDateString},
+        {"Full Date", FullDateString},
+        {"Short Date Time", ShortDateTimeString},
+        {"Medium Date Time", MediumDateTimeString},
+        {"Long Date Time", LongDateTimeString},
+        {"Full Date Time", FullDateTimeString},
+        {"GMT", GMTString},
+    };
+
+    QString name = TitleDisplayName(m_platform.store);
+    if (name.isNull())
+        name = DefaultTitleDisplayName;
+    for (const auto &format : kTitleFormats) {
+        if (name == QLatin1String(format.name)) {
+            m_item->setTitle(format.render(m_platform.clock));
+            return;
+        }
+    }
+    // An unknown name leaves whatever title the item had.
+}
+
+QStringList DescribeMenu(const Menu &menu)
+{
+    QStringList lines;
+    for (const MenuItem &item : menu.items()) {
+        if (item.separator)
+            lines.append(QStringLiteral("-"));
+        else
+            lines.append(item.title + QLatin1Char('\t') + item.action + QLatin1Char('\t') +
+                         item.toolTip);
+    }
+    return lines;
+}

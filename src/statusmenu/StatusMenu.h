@@ -1,0 +1,57 @@
+#pragma once
+
+#include "platform/Menu.h"
+#include "platform/Platform.h"
+
+#include <QStringList>
+
+#include <memory>
+
+// The status item, its menu and its title. The menu is never edited in place: buildMenu()
+// empties it and builds it again from the settings, the custom formats and the clock, so what
+// it shows is always the state as of its opening.
+class StatusMenu
+{
+public:
+    static constexpr double kTitleRefreshInterval = 1.0;
+
+    // Chosen entries go to target; delegate hears that the menu is about to open.
+    StatusMenu(Platform &platform, MenuDelegate &delegate, MenuTarget &target);
+
+    // Creates the status item, variable length and highlighted while its menu is open.
+    void createStatusItem();
+
+    // Empties the menu and builds it again; sets or clears the icon; on the first build only,
+    // starts the title timer.
+    void buildMenu(const QStringList &customDates);
+    void addNumericalDateTimeItems();
+    void addDateTimeItems();
+    void addDateItems();
+    void addTimeItems();
+    void addCustomDateFormatterItems(const QStringList &customDates);
+
+    // The title timer's tick: renders the hidden override, or else the named title format.
+    void itemTitleTimerAction(Timer *timer);
+
+    StatusItem *item() const { return m_item; }
+    Menu *menu() const { return m_menu; }
+    Timer *itemTitleTimer() const { return m_itemTitleTimer; }
+
+private:
+    struct StyledEntry;
+    void addStyledGroup(const StyledEntry *entries);
+    void addItem(const QString &title, const QString &action, const QString &toolTip = {});
+    void addSeparator();
+
+    Platform &m_platform;
+    MenuDelegate &m_delegate;
+    MenuTarget &m_target;
+    StatusItem *m_item = nullptr;
+    std::unique_ptr<Menu> m_ownedMenu;
+    Menu *m_menu = nullptr;
+    Timer *m_itemTitleTimer = nullptr;
+};
+
+// The menu as lines of text, one per entry: "TITLE<TAB>ACTION<TAB>TOOLTIP", or "-" for a
+// separator. What `horalo menu` prints.
+QStringList DescribeMenu(const Menu &menu);

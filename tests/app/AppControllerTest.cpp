@@ -1,0 +1,99 @@
+#include "support/ControllerFixture.h"
+
+using StartUp = ControllerFixture;
+
+TEST_F(StartUp, EmptyStoreBuildsTheDefaultsAndTakesTheSnapshotLast)
+{
+    // The first setup runs inside awakeFromNib, before the launch snapshot exists.
+    set(SettingsKey::CustomDates, QVariantList{QStringLiteral("%B")});
+    platform.userDefaults.setRegistrationProvider([] {
+        QVariantMap names;
+        QVariantList months;
+        for (int m = 1; m <= 12; ++m)
+            months.append(QStringLiteral("Monat%1").arg(m));
+        names.insert(QStringLiteral("NSMonthNameArray"), months);
+        return names;
+    });
+    controller.awakeFromNib();
+    EXPECT_FALSE(gUserDefaultsDictionary.has_value());
+    EXPECT_EQ(titleOf(QStringLiteral("customDateFormatter:")), QStringLiteral("March"));
+    EXPECT_EQ(controller.setupCount(), 1);
+    ASSERT_NE(platform.statusItem(), nullptr);
+    EXPECT_TRUE(item().highlightMode());
+    EXPECT_EQ(item().menu(), controller.statusMenu().menu());
+
+    controller.applicationWillFinishLaunching();
+    ASSERT_TRUE(gUserDefaultsDictionary.has_value());
+    EXPECT_TRUE(gUserDefaultsDictionary->contains(SettingsKey::CustomDates));
+    item().openMenu();
+    EXPECT_EQ(titleOf(QStringLiteral("customDateFormatter:")), QStringLiteral("Monat3"));
+
+    // The snapshot is never refreshed.
+    set(SettingsKey::MenuTitleFormatter, QStringLiteral("%Y"));
+    item().openMenu();
+    EXPECT_FALSE(gUserDefaultsDictionary->contains(SettingsKey::MenuTitleFormatter));
+}
+
+TEST_F(StartUp, PickerStartsAtTheStoredPickWhenItIsADate)
+{
+    set(SettingsKey::DatePickerValue, DateFromAbsoluteTime(kFriday - 40 * kDay));
+    launch();
+    EXPECT_EQ(platform.datePicker.dateValue(), kFriday - 40 * kDay);
+    EXPECT_EQ(g_selectedDateTime, 0) << "restoring the picker picks nothing";
+}
+
+TEST_F(StartUp, PickerIgnoresAStoredPickOfAnotherType)
+{
+    set(SettingsKey::DatePickerValue, kFriday - 40 * kDay);
+    launch();
+    EXPECT_EQ(platform.datePicker.dateValue(), kFriday);
+}
+
+using RebuildTriggers = ControllerFixture;
+
+TEST_F(RebuildTriggers, BroadcastFromOurIdentifierRebuildsAndOthersDoNot)
+{
+    launch();
+    const int afterLaunch = controller.setupCount();
+    set(SettingsKey::CustomDates, QVariantList{QStringLiteral("%Y")});
+
+    platform.distributedCenter.postNotification(PreferencesChangedNotification,
+                                                QStringLiteral("org.example.Other"), {}, true);
+    platform.distributedCenter.postNotification(QStringLiteral("Something Else"), AppIdentifier, {},
+                                                true);
+    platform.processEvents();
+    EXPECT_EQ(controller.setupCount(), afterLaunch);
+    EXPECT_TRUE(controller.customDates().isEmpty());
+
+    platform.distributedCenter.postNotification(PreferencesChangedNotification, AppIdentifier, {},
+                                                true);
+    EXPECT_EQ(controller.setupCount(), afterLaunch) << "delivered by the event loop, not in post";
+    platform.processEvents();
+    EXPECT_EQ(controller.setupCount(), afterLaunch + 1);
+    EXPECT_EQ(controller.customDates(), QStringList{QStringLiteral("%Y")});
+}
+
+TEST_F(RebuildTriggers, AnotherProcessOnTheSameBusTriggersARebuild)
+{
+    InMemoryNotificationBus bus;
+    InMemoryPlatform running(kFriday, nullptr, &bus);
+    Platform runningServices = running.platform();
+    AppController app(runningServices, running.chooserInterface(), nullptr);
+    app.awakeFromNib();
+    InMemoryDistributedCenter otherProcess(&bus);
+
+    otherProcess.postNotification(PreferencesChangedNotification, AppIdentifier, {}, true);
+    running.processEvents();
+    EXPECT_EQ(app.setupCount(), 2);
+}
+
+TEST_F(RebuildTriggers, EveryOpeningRereadsTheStore)
+{
+    launch();
+    const int before = controller.setupCount();
+    item().openMenu();
+    item().openMenu();
+    EXPECT_EQ(controller.setupCount(), before + 2);
+    EXPECT_GE(platform.ownStore.log.count(QStringLiteral("sync")), 2 * 6)
+        << "every setting read goes to the store afresh";
+}
