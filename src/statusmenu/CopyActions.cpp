@@ -8,25 +8,38 @@ namespace {
 
 struct StyledCopyAction
 {
+    const char *menuName;
     const char *action;
     DateFormatterStyle dateStyle;
     DateFormatterStyle timeStyle;
 };
 
 constexpr StyledCopyAction kStyledCopyActions[] = {
-    {"shortDate:", kShortStyle, kNoStyle},        {"mediumDate:", kMediumStyle, kNoStyle},
-    {"longDate:", kLongStyle, kNoStyle},          {"fullDate:", kFullStyle, kNoStyle},
-    {"shortDateTime:", kShortStyle, kShortStyle}, {"mediumDateTime:", kMediumStyle, kMediumStyle},
-    {"longDateTime:", kLongStyle, kLongStyle},    {"fullDateTime:", kFullStyle, kFullStyle},
-    {"shortTime:", kNoStyle, kShortStyle},        {"mediumTime:", kNoStyle, kMediumStyle},
-    {"longTime:", kNoStyle, kLongStyle},          {"fullTime:", kNoStyle, kFullStyle},
+    {"Short Date", "shortDate:", kShortStyle, kNoStyle},
+    {"Medium Date", "mediumDate:", kMediumStyle, kNoStyle},
+    {"Long Date", "longDate:", kLongStyle, kNoStyle},
+    {"Full Date", "fullDate:", kFullStyle, kNoStyle},
+    {"Short Date-Time", "shortDateTime:", kShortStyle, kShortStyle},
+    {"Medium Date-Time", "mediumDateTime:", kMediumStyle, kMediumStyle},
+    {"Long Date-Time", "longDateTime:", kLongStyle, kLongStyle},
+    {"Full Date-Time", "fullDateTime:", kFullStyle, kFullStyle},
+    {"Short Time", "shortTime:", kNoStyle, kShortStyle},
+    {"Medium Time", "mediumTime:", kNoStyle, kMediumStyle},
+    {"Long Time", "longTime:", kNoStyle, kLongStyle},
+    {"Full Time", "fullTime:", kNoStyle, kFullStyle},
 };
 
-const char *const kDescriptionCopyActions[] = {
-    "gmtDateTime:",
-    "numericalDate:",
-    "numericalDateTime:",
-    "numericalDateNoHyphens:",
+struct DescriptionCopyAction
+{
+    const char *menuName;
+    const char *action;
+};
+
+constexpr DescriptionCopyAction kDescriptionCopyActions[] = {
+    {"GMT Date Time", "gmtDateTime:"},
+    {"Numerical Date", "numericalDate:"},
+    {"Numerical Date Time", "numericalDateTime:"},
+    {"Numerical Date No Hyphens", "numericalDateNoHyphens:"},
 };
 
 const char kCustomCopyAction[] = "customDateFormatter:";
@@ -73,11 +86,24 @@ bool IsCopyAction(const QString &action)
         if (action == QLatin1String(styled.action))
             return true;
     }
-    for (const char *name : kDescriptionCopyActions) {
-        if (action == QLatin1String(name))
+    for (const DescriptionCopyAction &described : kDescriptionCopyActions) {
+        if (action == QLatin1String(described.action))
             return true;
     }
     return action == QLatin1String(kCustomCopyAction);
+}
+
+QString CopyActionForMenuName(const QString &menuName)
+{
+    for (const StyledCopyAction &styled : kStyledCopyActions) {
+        if (menuName == QLatin1String(styled.menuName))
+            return QString::fromLatin1(styled.action);
+    }
+    for (const DescriptionCopyAction &described : kDescriptionCopyActions) {
+        if (menuName == QLatin1String(described.menuName))
+            return QString::fromLatin1(described.action);
+    }
+    return {};
 }
 
 std::optional<QByteArray> CopyTextForAction(const Clock &clock, const QString &action,
@@ -92,8 +118,8 @@ std::optional<QByteArray> CopyTextForAction(const Clock &clock, const QString &a
             return std::nullopt;
         return QByteArray(buffer);
     }
-    for (const char *name : kDescriptionCopyActions) {
-        if (action == QLatin1String(name))
+    for (const DescriptionCopyAction &described : kDescriptionCopyActions) {
+        if (action == QLatin1String(described.action))
             return DescriptionText(clock, action);
     }
     if (action == QLatin1String(kCustomCopyAction)) {

@@ -16,6 +16,10 @@
 std::optional<QByteArray> CopyTextForAction(const Clock &clock, const QString &action,
                                             const MenuItem &sender);
 
+// The copy action of a format's menu name ("Numerical Date No Hyphens" -> numericalDateNoHyphens:),
+// or an empty string for a name the menu does not use.
+QString CopyActionForMenuName(const QString &menuName);
+
 // Whether `action` is one of the seventeen copy actions.
 bool IsCopyAction(const QString &action);
 

@@ -1,0 +1,89 @@
+// Horalo: the date and time in the desktop's status area.
+
+#include "app/AppController.h"
+#include "app/cli/Cli.h"
+#include "datetext/DateText.h"
+#include "platform/dbus/DBusNotificationCenter.h"
+#include "platform/qt/QtPlatform.h"
+#include "platform/store/PlistPreferencesStore.h"
+
+#include <QApplication>
+
+#include <cstdio>
+#include <cstdlib>
+
+namespace {
+
+bool HasDesktopSession()
+{
+    return qEnvironmentVariableIsSet("DISPLAY") || qEnvironmentVariableIsSet("WAYLAND_DISPLAY") ||
+           qEnvironmentVariableIsSet("QT_QPA_PLATFORM");
+}
+
+// A tray program is never the focused window when its menu entry is chosen, and Wayland
+// clipboards ignore writes from unfocused programs. Through XWayland the clipboard works, so
+// prefer X11 wherever a display is available, unless the user chose a platform.
+void PreferX11Clipboard()
+{
+    if (!qEnvironmentVariableIsSet("QT_QPA_PLATFORM") && qEnvironmentVariableIsSet("DISPLAY"))
+        qputenv("QT_QPA_PLATFORM", "xcb");
+}
+
+int RunDesktopApplication(int argc, char *argv[])
+{
+    PreferX11Clipboard();
+    QApplication app(argc, argv);
+    QApplication::setApplicationName(QStringLiteral("Horalo"));
+    QApplication::setApplicationVersion(QStringLiteral(HORALO_VERSION));
+    QApplication::setQuitOnLastWindowClosed(false);
+    QApplication::setWindowIcon(LoadIconResource(QStringLiteral("Horalo.svg")));
+
+    PlistPreferencesStore store;
+    UserDefaults userDefaults(store, AppIdentifier, LocaleDefaultsRegistration);
+    DBusNotificationCenter distributedCenter;
+    LocalWindowNotificationCenter windowCenter;
+    SystemClock clock;
+    QtTimerScheduler timers;
+    QtStatusBar statusBar;
+    QtClipboard clipboard;
+    QtApplication application;
+    Platform platform{store,  userDefaults, distributedCenter, windowCenter, clock,
+                      timers, statusBar,    clipboard,         application};
+
+    QtChooserWindow chooserWindow(windowCenter);
+    AppController controller(platform, {&chooserWindow, &chooserWindow}, nullptr);
+
+    // The same order as every start: the interface is loaded and wired, then the launch
+    // snapshot is taken, then the event loop runs.
+    controller.awakeFromNib();
+    controller.applicationWillFinishLaunching();
+    const int status = QApplication::exec();
+    controller.applicationWillTerminate();
+    return status;
+}
+
+} // namespace
+
+int main(int argc, char *argv[])
+{
+    QStringList arguments;
+    for (int i = 0; i < argc; ++i)
+        arguments.append(QString::fromLocal8Bit(argv[i]));
+    if (const std::optional<int> status = RunCommandLine(arguments))
+        return *status;
+
+    if (arguments.size() > 1) {
+        std::fprintf(stderr,
+                     "horalo: unknown command '%s' (commands: defaults, render, since, menu, "
+                     "title, copy)\n",
+                     argv[1]);
+        return 2;
+    }
+    if (!HasDesktopSession()) {
+        std::fprintf(stderr, "horalo: no desktop session here (DISPLAY and WAYLAND_DISPLAY are "
+                             "unset); 'horalo render', 'horalo menu' and 'horalo defaults' work "
+                             "anywhere.\n");
+        return 1;
+    }
+    return RunDesktopApplication(argc, argv);
+}

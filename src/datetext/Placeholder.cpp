@@ -1,1 +1,0 @@
-// Replaced as the date-text engine lands.
