@@ -1,0 +1,105 @@
+#include "prefpane/CustomDatesTableView.h"
+
+#include "prefpane/CustomDatesTableModel.h"
+#include "prefpane/HoraloPrefPane.h"
+
+#include <QHeaderView>
+#include <QItemSelectionModel>
+#include <QKeyEvent>
+
+CustomDatesTableView::CustomDatesTableView(QWidget *parent)
+    : QTableView(parent), m_model(new CustomDatesTableModel(this, this))
+{
+    setModel(m_model);
+    setSelectionBehavior(QAbstractItemView::SelectRows);
+    setSelectionMode(QAbstractItemView::ExtendedSelection);
+    setEditTriggers(QAbstractItemView::DoubleClicked | QAbstractItemView::EditKeyPressed |
+                    QAbstractItemView::SelectedClicked);
+    setDragEnabled(true);
+    setAcceptDrops(true);
+    setDropIndicatorShown(true);
+    setDragDropMode(QAbstractItemView::InternalMove);
+    setDefaultDropAction(Qt::MoveAction);
+    setDragDropOverwriteMode(false);
+    setAlternatingRowColors(true);
+    setWordWrap(false);
+    verticalHeader()->hide();
+    horizontalHeader()->setSectionResizeMode(QHeaderView::Stretch);
+    horizontalHeader()->setHighlightSections(false);
+
+    connect(selectionModel(), &QItemSelectionModel::selectionChanged, this,
+            &CustomDatesTableView::notifySelectionChange);
+}
+
+void CustomDatesTableView::notifySelectionChange()
+{
+    m_selectionNotified = true;
+    if (m_target)
+        m_target->tableViewSelectionDidChange(this);
+}
+
+void CustomDatesTableView::reloadData()
+{
+    const bool hadSelection = selectionModel()->hasSelection();
+    m_selectionNotified = false;
+    m_model->reload();
+    // A model reset empties the selection without telling anyone; the delete button must
+    // still learn that nothing is selected any more.
+    if (hadSelection && !m_selectionNotified)
+        notifySelectionChange();
+}
+
+IndexSet CustomDatesTableView::selectedRowIndexes() const
+{
+    IndexSet rows;
+    const QModelIndexList indexes = selectionModel()->selectedIndexes();
+    for (const QModelIndex &index : indexes)
+        rows.insert(index.row());
+    return rows;
+}
+
+void CustomDatesTableView::selectRowIndexes(const IndexSet &rows, bool byExtendingSelection)
+{
+    QItemSelection selection;
+    const int count = m_model->rowCount();
+    for (const int row : rows) {
+        if (row >= 0 && row < count)
+            selection.select(m_model->index(row, 0),
+                             m_model->index(row, CustomDatesTableModel::ColumnCount - 1));
+    }
+    QItemSelectionModel::SelectionFlags flags = QItemSelectionModel::Rows;
+    flags |=
+        byExtendingSelection ? QItemSelectionModel::Select : QItemSelectionModel::ClearAndSelect;
+    selectionModel()->select(selection, flags);
+    if (!rows.empty() && *rows.begin() < count)
+        selectionModel()->setCurrentIndex(m_model->index(*rows.begin(), 0),
+                                          QItemSelectionModel::NoUpdate);
+}
+
+int CustomDatesTableView::numberOfSelectedRows() const
+{
+    return static_cast<int>(selectedRowIndexes().size());
+}
+
+void CustomDatesTableView::registerForDraggedTypes(const QStringList &types)
+{
+    m_model->setDraggedTypes(types);
+}
+
+void CustomDatesTableView::setTarget(HoraloPrefPane *target)
+{
+    m_target = target;
+    m_model->setTarget(target);
+}
+
+void CustomDatesTableView::keyPressEvent(QKeyEvent *event)
+{
+    if (state() != QAbstractItemView::EditingState &&
+        (event->key() == Qt::Key_Delete || event->key() == Qt::Key_Backspace) &&
+        event->modifiers() == Qt::NoModifier) {
+        Q_EMIT deleteKeyPressed();
+        event->accept();
+        return;
+    }
+    QTableView::keyPressEvent(event);
+}

@@ -1,0 +1,263 @@
+#include "prefpane/PreferencesWindow.h"
+
+#include "prefpane/CustomDatesTableView.h"
+#include "prefpane/PrefPaneLayout.h"
+
+#include <QCheckBox>
+#include <QCloseEvent>
+#include <QComboBox>
+#include <QFormLayout>
+#include <QGroupBox>
+#include <QHBoxLayout>
+#include <QKeyEvent>
+#include <QLabel>
+#include <QLineEdit>
+#include <QListWidget>
+#include <QPushButton>
+#include <QShortcut>
+#include <QVBoxLayout>
+
+PreferencesWindow::PreferencesWindow(LocalWindowNotificationCenter &windowCenter, QWidget *parent)
+    : QWidget(parent, Qt::Window), m_windowCenter(windowCenter),
+      m_useSymbolicNamesBox(new QCheckBox(tr("Show format &names instead of dates"), this)),
+      m_initDateTimeChooserToCurrentTimeWhenOpenedBox(
+          new QCheckBox(tr("&Reset the chooser to the current time when it opens"), this)),
+      m_dynamicDateTimeChooserBox(new QCheckBox(tr("&Keep the chooser's clock running"), this)),
+      m_includeGMTDateTimeBox(new QCheckBox(tr("Include &GMT date and time"), this)),
+      m_includeDateOnlyItemsBox(new QCheckBox(tr("Include &date-only formats"), this)),
+      m_includeTimeOnlyItemsBox(new QCheckBox(tr("Include &time-only formats"), this)),
+      m_includeTitleIconBox(new QCheckBox(tr("Show the &icon beside the title"), this)),
+      m_titleDisplayComboBox(new QComboBox(this)), m_table(new CustomDatesTableView(this)),
+      m_addButton(new QPushButton(tr("&Add"), this)),
+      m_deleteButton(new QPushButton(tr("De&lete"), this)),
+      m_formatSymbolList(new QListWidget(this)), m_formatCharacterEdit(new QLineEdit(this)),
+      m_versionLabel(new QLabel(this)), m_useSymbolicNames(m_useSymbolicNamesBox),
+      m_initDateTimeChooserToCurrentTimeWhenOpened(m_initDateTimeChooserToCurrentTimeWhenOpenedBox),
+      m_dynamicDateTimeChooser(m_dynamicDateTimeChooserBox),
+      m_includeGMTDateTime(m_includeGMTDateTimeBox),
+      m_includeDateOnlyItems(m_includeDateOnlyItemsBox),
+      m_includeTimeOnlyItems(m_includeTimeOnlyItemsBox), m_includeTitleIcon(m_includeTitleIconBox),
+      m_titleDisplayPopUp(m_titleDisplayComboBox), m_addCustomDate(m_addButton),
+      m_deleteCustomDate(m_deleteButton), m_formatCharacterField(m_formatCharacterEdit),
+      m_versionInfoField(m_versionLabel)
+{
+    setWindowTitle(tr("Horalo Preferences"));
+
+    // --- the menu's groups ---
+    auto *menuGroup = new QGroupBox(tr("Menu"), this);
+    auto *menuLayout = new QVBoxLayout(menuGroup);
+    menuLayout->addWidget(m_useSymbolicNamesBox);
+    menuLayout->addWidget(m_includeGMTDateTimeBox);
+    menuLayout->addWidget(m_includeDateOnlyItemsBox);
+    menuLayout->addWidget(m_includeTimeOnlyItemsBox);
+
+    // --- the status item's title ---
+    for (const QString &title : kTitleDisplayNames)
+        m_titleDisplayComboBox->addItem(title);
+    m_titleDisplayComboBox->setCurrentText(kLaidOutTitleDisplayName);
+    m_titleDisplayComboBox->setSizeAdjustPolicy(QComboBox::AdjustToContents);
+    auto *titleGroup = new QGroupBox(tr("Title"), this);
+    auto *titleLayout = new QFormLayout(titleGroup);
+    auto *titleLabel = new QLabel(tr("Title &format:"), titleGroup);
+    titleLabel->setBuddy(m_titleDisplayComboBox);
+    titleLayout->addRow(titleLabel, m_titleDisplayComboBox);
+    titleLayout->addRow(m_includeTitleIconBox);
+
+    // --- the date-time chooser ---
+    auto *chooserGroup = new QGroupBox(tr("Date-time chooser"), this);
+    auto *chooserLayout = new QVBoxLayout(chooserGroup);
+    chooserLayout->addWidget(m_initDateTimeChooserToCurrentTimeWhenOpenedBox);
+    chooserLayout->addWidget(m_dynamicDateTimeChooserBox);
+
+    auto *settingsColumn = new QVBoxLayout;
+    settingsColumn->addWidget(menuGroup);
+    settingsColumn->addWidget(titleGroup);
+    settingsColumn->addWidget(chooserGroup);
+    settingsColumn->addStretch(1);
+
+    // --- the custom formats: table and buttons on the left, symbols on the right ---
+    m_table->setMinimumSize(360, 160);
+    m_table->setToolTip(tr("Double-click a format to edit it; drag rows to reorder them."));
+    m_deleteButton->setEnabled(false); // until a row is selected
+    m_addButton->setAutoDefault(false);
+    m_deleteButton->setAutoDefault(false);
+    auto *buttonRow = new QHBoxLayout;
+    buttonRow->addWidget(m_addButton);
+    buttonRow->addWidget(m_deleteButton);
+    buttonRow->addStretch(1);
+    auto *tableColumn = new QVBoxLayout;
+    tableColumn->addWidget(m_table, 1);
+    tableColumn->addLayout(buttonRow);
+
+    for (const FormatSymbol &symbol : kFormatSymbols) {
+        auto *item = new QListWidgetItem(symbol.title(), m_formatSymbolList);
+        item->setToolTip(tr("Click to copy %1 to the clipboard").arg(symbol.symbol));
+    }
+    m_formatSymbolList->setMinimumWidth(220);
+    m_formatCharacterEdit->setReadOnly(true);
+    m_formatCharacterEdit->setMaximumWidth(60);
+    auto *symbolLabel = new QLabel(tr("&Symbols (click to copy):"), this);
+    symbolLabel->setBuddy(m_formatSymbolList);
+    auto *copiedRow = new QHBoxLayout;
+    copiedRow->addWidget(new QLabel(tr("Copied:"), this));
+    copiedRow->addWidget(m_formatCharacterEdit);
+    copiedRow->addStretch(1);
+    auto *symbolColumn = new QVBoxLayout;
+    symbolColumn->addWidget(symbolLabel);
+    symbolColumn->addWidget(m_formatSymbolList, 1);
+    symbolColumn->addLayout(copiedRow);
+
+    auto *formatsGroup = new QGroupBox(tr("Custom formats"), this);
+    auto *formatsLayout = new QHBoxLayout(formatsGroup);
+    formatsLayout->addLayout(tableColumn, 3);
+    formatsLayout->addLayout(symbolColumn, 2);
+
+    auto *upper = new QHBoxLayout;
+    upper->addLayout(settingsColumn);
+    upper->addWidget(formatsGroup, 1);
+
+    m_versionLabel->setAlignment(Qt::AlignRight | Qt::AlignVCenter);
+    m_versionLabel->setTextInteractionFlags(Qt::TextSelectableByMouse);
+    auto *outer = new QVBoxLayout(this);
+    outer->addLayout(upper, 1);
+    outer->addWidget(m_versionLabel);
+
+    // Tab walks the settings from top to bottom, then the formats from left to right.
+    QWidget *const tabOrder[] = {
+        m_useSymbolicNamesBox,
+        m_includeGMTDateTimeBox,
+        m_includeDateOnlyItemsBox,
+        m_includeTimeOnlyItemsBox,
+        m_titleDisplayComboBox,
+        m_includeTitleIconBox,
+        m_initDateTimeChooserToCurrentTimeWhenOpenedBox,
+        m_dynamicDateTimeChooserBox,
+        m_table,
+        m_addButton,
+        m_deleteButton,
+        m_formatSymbolList,
+        m_formatCharacterEdit,
+    };
+    for (std::size_t i = 1; i < std::size(tabOrder); ++i)
+        setTabOrder(tabOrder[i - 1], tabOrder[i]);
+
+    auto *closeShortcut = new QShortcut(QKeySequence::Close, this);
+    connect(closeShortcut, &QShortcut::activated, this, &PreferencesWindow::close);
+}
+
+PreferencesWindow::~PreferencesWindow() = default;
+
+PrefPaneOutlets PreferencesWindow::outlets()
+{
+    PrefPaneOutlets outlets;
+    outlets.window = this;
+    outlets.versionInfoField = &m_versionInfoField;
+    outlets.useSymbolicNames = &m_useSymbolicNames;
+    outlets.initDateTimeChooserToCurrentTimeWhenOpened =
+        &m_initDateTimeChooserToCurrentTimeWhenOpened;
+    outlets.dynamicDateTimeChooser = &m_dynamicDateTimeChooser;
+    outlets.includeGMTDateTime = &m_includeGMTDateTime;
+    outlets.includeDateOnlyItems = &m_includeDateOnlyItems;
+    outlets.includeTimeOnlyItems = &m_includeTimeOnlyItems;
+    outlets.menuTitleDisplayPopupButton = &m_titleDisplayPopUp;
+    outlets.includeTitleIconButton = &m_includeTitleIcon;
+    outlets.customDatesTable = m_table;
+    outlets.addCusomDateButton = &m_addCustomDate;
+    outlets.deleteCustomDateButton = &m_deleteCustomDate;
+    outlets.formattedDateTextField = nullptr; // this layout has no such field
+    outlets.formatCharacterTextField = &m_formatCharacterField;
+    return outlets;
+}
+
+void PreferencesWindow::connectActions(HoraloPrefPane &controller)
+{
+    m_controller = &controller;
+    HoraloPrefPane *const target = &controller;
+    const auto wire = [this, target](QCheckBox *box, Control *sender,
+                                     void (HoraloPrefPane::*action)(Control *)) {
+        // clicked() comes from the user only, never from setState.
+        connect(box, &QCheckBox::clicked, this,
+                [target, sender, action] { (target->*action)(sender); });
+    };
+    wire(m_useSymbolicNamesBox, &m_useSymbolicNames,
+         &HoraloPrefPane::useSymbolicNamesButtonClicked);
+    wire(m_initDateTimeChooserToCurrentTimeWhenOpenedBox,
+         &m_initDateTimeChooserToCurrentTimeWhenOpened,
+         &HoraloPrefPane::initDateTimeChooserToCurrentTimeWhenOpened);
+    wire(m_dynamicDateTimeChooserBox, &m_dynamicDateTimeChooser,
+         &HoraloPrefPane::dynamicDateTimeChooser);
+    wire(m_includeGMTDateTimeBox, &m_includeGMTDateTime,
+         &HoraloPrefPane::includeGMTDateTimeButtonClicked);
+    wire(m_includeDateOnlyItemsBox, &m_includeDateOnlyItems,
+         &HoraloPrefPane::includeDateOnlyItemsButtonClicked);
+    wire(m_includeTimeOnlyItemsBox, &m_includeTimeOnlyItems,
+         &HoraloPrefPane::includeTimeOnlyItemsButtonClicked);
+    wire(m_includeTitleIconBox, &m_includeTitleIcon,
+         &HoraloPrefPane::includeTitleIconButtonClicked);
+
+    connect(m_titleDisplayComboBox, &QComboBox::activated, this,
+            [this, target] { target->menuTitleDisplayPopupButtonClicked(&m_titleDisplayPopUp); });
+    connect(m_addButton, &QPushButton::clicked, this,
+            [this, target] { target->addCustomDate(&m_addCustomDate); });
+    connect(m_deleteButton, &QPushButton::clicked, this,
+            [this, target] { target->deleteCustomDate(&m_deleteCustomDate); });
+    connect(m_table, &CustomDatesTableView::deleteKeyPressed, this,
+            [this, target] { target->deleteCustomDate(m_table); });
+    connect(m_formatSymbolList, &QListWidget::itemClicked, this,
+            &PreferencesWindow::chooseFormatSymbol);
+    connect(m_formatSymbolList, &QListWidget::itemActivated, this,
+            &PreferencesWindow::chooseFormatSymbol);
+}
+
+void PreferencesWindow::chooseFormatSymbol(QListWidgetItem *item)
+{
+    if (!m_controller || !item)
+        return;
+    m_controller->selectFormatSymbol(QtTitledItem(item->text()));
+}
+
+void PreferencesWindow::makeKeyAndOrderFront()
+{
+    show();
+    raise();
+    activateWindow();
+}
+
+void PreferencesWindow::setLevel(int level)
+{
+    // Above ordinary windows for any level above the normal one.
+    m_level = level;
+    const bool wasVisible = QWidget::isVisible();
+    setWindowFlag(Qt::WindowStaysOnTopHint, level > 0);
+    if (wasVisible)
+        show(); // changing the flags hides a shown window
+}
+
+void PreferencesWindow::close()
+{
+    QWidget::close();
+}
+
+bool PreferencesWindow::isVisible() const
+{
+    return QWidget::isVisible();
+}
+
+void PreferencesWindow::closeEvent(QCloseEvent *event)
+{
+    // The title bar's button, Ctrl+W, Escape and close() all pass here. A window that is not
+    // shown does not close, so it does not announce it.
+    if (QWidget::isVisible())
+        m_windowCenter.postWindowWillClose(this);
+    event->accept();
+}
+
+void PreferencesWindow::keyPressEvent(QKeyEvent *event)
+{
+    // Reaches the window only when no editor or list took the key first.
+    if (event->key() == Qt::Key_Escape && event->modifiers() == Qt::NoModifier) {
+        close();
+        return;
+    }
+    QWidget::keyPressEvent(event);
+}

@@ -1,0 +1,118 @@
+#include "prefpane/QtPrefPaneControls.h"
+
+#include <QCheckBox>
+#include <QComboBox>
+#include <QLabel>
+#include <QLineEdit>
+#include <QMimeData>
+
+int QtCheckBox::state() const
+{
+    switch (m_box->checkState()) {
+    case Qt::Unchecked:
+        return kOffState;
+    case Qt::PartiallyChecked:
+        return kMixedState;
+    case Qt::Checked:
+        break;
+    }
+    return kOnState;
+}
+
+void QtCheckBox::setState(int state)
+{
+    // setCheckState sends no clicked(), so setting a box never runs its action.
+    if (state == kOffState)
+        m_box->setCheckState(Qt::Unchecked);
+    else if (state == kMixedState)
+        m_box->setCheckState(Qt::PartiallyChecked);
+    else
+        m_box->setCheckState(Qt::Checked);
+}
+
+QStringList QtPopUpButton::itemTitles() const
+{
+    QStringList titles;
+    for (int i = 0; i < m_comboBox->count(); ++i)
+        titles.append(m_comboBox->itemText(i));
+    return titles;
+}
+
+int QtPopUpButton::indexOfSelectedItem() const
+{
+    return m_comboBox->currentIndex();
+}
+
+QString QtPopUpButton::itemTitleAtIndex(int index) const
+{
+    if (index < 0 || index >= m_comboBox->count())
+        return {};
+    return m_comboBox->itemText(index);
+}
+
+bool QtPopUpButton::selectItemWithTitle(const QString &title)
+{
+    const int index = m_comboBox->findText(title, Qt::MatchExactly | Qt::MatchCaseSensitive);
+    if (index < 0)
+        return false;
+    m_comboBox->setCurrentIndex(index); // activated() is the action; this does not send it
+    return true;
+}
+
+QString QtLabelTextField::stringValue() const
+{
+    return m_label->text();
+}
+
+void QtLabelTextField::setStringValue(const QString &value)
+{
+    m_label->setText(value);
+}
+
+QString QtLineEditTextField::stringValue() const
+{
+    return m_lineEdit->text();
+}
+
+void QtLineEditTextField::setStringValue(const QString &value)
+{
+    m_lineEdit->setText(value);
+}
+
+bool QtButton::isEnabled() const
+{
+    return m_button->isEnabled();
+}
+
+void QtButton::setEnabled(bool enabled)
+{
+    m_button->setEnabled(enabled);
+}
+
+QStringList MimeDataPasteboard::types() const
+{
+    return m_read ? m_read->formats() : QStringList{};
+}
+
+std::optional<QByteArray> MimeDataPasteboard::dataForType(const QString &type) const
+{
+    if (!m_read || !m_read->hasFormat(type))
+        return std::nullopt;
+    return m_read->data(type);
+}
+
+void MimeDataPasteboard::declareTypes(const QStringList &types, const void *)
+{
+    if (!m_write)
+        return;
+    m_write->clear();
+    m_declared = types;
+}
+
+bool MimeDataPasteboard::setDataForType(const QByteArray &data, const QString &type)
+{
+    if (!m_write || !m_declared.contains(type))
+        return false;
+    m_write->setData(type, data);
+    return true;
+}
