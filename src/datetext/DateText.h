@@ -12,7 +12,8 @@
 #include <optional>
 
 // The formatter styles of a (date style, time style) pair. kNoStyle leaves that half out.
-enum DateFormatterStyle : int {
+enum DateFormatterStyle : int
+{
     kNoStyle = 0,
     kShortStyle = 1,
     kMediumStyle = 2,
@@ -76,12 +77,25 @@ QString NumericalDateString(const Clock &clock);
 struct CalendarDate
 {
     AbsoluteTime absoluteTime = 0;
+    // An invalid zone shows the instant in GMT.
     QTimeZone timeZone;
+
+    // The zone's offset from GMT at `at`, found when the date was made, so that rendering the
+    // same date again does not search the zone's transitions. Used only while `at` is still
+    // absoluteTime; a date built by hand leaves it empty and renders the same.
+    struct KnownOffset
+    {
+        AbsoluteTime at = 0;
+        qint32 seconds = 0;
+    };
+    std::optional<KnownOffset> knownOffset;
 };
 
 // A calendar date for the instant in the current local zone (TZ, else the system's zone),
 // looked up afresh.
 CalendarDate CalendarDateWithTimeIntervalSinceReferenceDate(AbsoluteTime instant);
+// A calendar date for the instant in the given zone.
+CalendarDate MakeCalendarDate(AbsoluteTime instant, const QTimeZone &zone);
 
 // Renders a calendar-format string. Names of months and weekdays, the AM/PM designations and the
 // %c/%x/%X patterns come from the locale dictionary when one is given, English otherwise.

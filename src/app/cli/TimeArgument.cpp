@@ -1,11 +1,122 @@
 #include "app/cli/TimeArgument.h"
 
-std::optional<AbsoluteTime> ParseTimeArgument(const QString &)
+#include "datetext/ProlepticGregorian.h"
+
+#include <QRegularExpression>
+
+#include <cmath>
+
+using namespace Qt::StringLiterals;
+
+namespace {
+
+// "0.25" from the digits after the point, to double precision.
+double FractionFromDigits(const QString &digits)
 {
-    return std::nullopt;
+    if (digits.isEmpty())
+        return 0;
+    return (u"0."_s + digits).toDouble();
 }
 
-bool TakeTimeOptions(QStringList &, TimeOptions &, QString &)
+std::optional<AbsoluteTime> ParseUnixSeconds(const QString &text)
 {
+    static const QRegularExpression pattern(u"^@([+-]?)(\\d{1,15})(?:\\.(\\d+))?$"_s);
+    const QRegularExpressionMatch match = pattern.match(text);
+    if (!match.hasMatch())
+        return std::nullopt;
+    const double magnitude =
+        double(match.captured(2).toLongLong()) + FractionFromDigits(match.captured(3));
+    const double seconds = match.captured(1) == u"-" ? -magnitude : magnitude;
+    return seconds - kAbsoluteTimeIntervalSince1970;
+}
+
+std::optional<AbsoluteTime> ParseIso8601(const QString &text)
+{
+    static const QRegularExpression pattern(
+        u"^([+-]?\\d{4,9})-(\\d{2})-(\\d{2})[Tt ](\\d{2}):(\\d{2})(?::(\\d{2})(?:[.,](\\d+))?)?"
+        u"(?:([Zz])|([+-])(\\d{2})(?::?(\\d{2}))?)$"_s);
+    const QRegularExpressionMatch match = pattern.match(text);
+    if (!match.hasMatch())
+        return std::nullopt;
+    const qint64 year = match.captured(1).toLongLong();
+    const int month = match.captured(2).toInt();
+    const int day = match.captured(3).toInt();
+    const int hour = match.captured(4).toInt();
+    const int minute = match.captured(5).toInt();
+    const int second = match.captured(6).isEmpty() ? 0 : match.captured(6).toInt();
+    if (month < 1 || month > 12 || day < 1 || day > ProlepticGregorian::DaysInMonth(year, month) ||
+        hour > 23 || minute > 59 || second > 59)
+        return std::nullopt;
+
+    qint64 offsetSeconds = 0;
+    if (match.captured(8).isEmpty()) {
+        const int offsetHours = match.captured(10).toInt();
+        const int offsetMinutes = match.captured(11).isEmpty() ? 0 : match.captured(11).toInt();
+        if (offsetHours > 23 || offsetMinutes > 59)
+            return std::nullopt;
+        offsetSeconds =
+            (offsetHours * 3600 + offsetMinutes * 60) * (match.captured(9) == u"-" ? -1 : 1);
+    }
+    const qint64 unixSeconds = ProlepticGregorian::DaysFromCivil(year, month, day) * 86400 +
+                               hour * 3600 + minute * 60 + second - offsetSeconds;
+    return (double(unixSeconds) - kAbsoluteTimeIntervalSince1970) +
+           FractionFromDigits(match.captured(7));
+}
+
+} // namespace
+
+std::optional<AbsoluteTime> ParseTimeArgument(const QString &text)
+{
+    if (text.startsWith(QLatin1Char('@')))
+        return ParseUnixSeconds(text);
+    return ParseIso8601(text);
+}
+
+bool TakeTimeOptions(QStringList &args, TimeOptions &options, QString &error)
+{
+    QStringList rest;
+    for (qsizetype i = 0; i < args.size(); ++i) {
+        const QString &arg = args.at(i);
+        if (arg == u"--") {
+            // Everything after "--" belongs to the command, even when it looks like an option.
+            rest.append(args.mid(i));
+            break;
+        }
+        std::optional<AbsoluteTime> *target = nullptr;
+        QString name;
+        QString value;
+        bool hasValue = false;
+        for (const QString &option : {u"--now"_s, u"--at"_s}) {
+            if (arg == option) {
+                target = option == u"--now" ? &options.now : &options.at;
+                name = option;
+                if (i + 1 < args.size()) {
+                    value = args.at(++i);
+                    hasValue = true;
+                }
+            } else if (arg.startsWith(option + QLatin1Char('='))) {
+                target = option == u"--now" ? &options.now : &options.at;
+                name = option;
+                value = arg.mid(option.size() + 1);
+                hasValue = true;
+            }
+        }
+        if (!target) {
+            rest.append(arg);
+            continue;
+        }
+        if (!hasValue) {
+            error = u"horalo: %1 needs a TIME"_s.arg(name);
+            return false;
+        }
+        const std::optional<AbsoluteTime> time = ParseTimeArgument(value);
+        if (!time) {
+            error = u"horalo: cannot read the time '%1' (give ISO 8601 with an offset, such as "
+                    u"2006-03-10T14:31:47-05:00, or @SECONDS since 1970)"_s.arg(value);
+            return false;
+        }
+        *target = time;
+    }
+    args = rest;
     return true;
 }

@@ -1,0 +1,119 @@
+#include "datetext/DateFormatCatalogue.h"
+
+#include <QStringList>
+
+namespace {
+using G = DateFormatGroup;
+using K = DateFormatKind;
+
+constexpr std::array<CatalogueFormat, 16> kCatalogue = {{
+    {G::DateTime, u"Short Date-Time", u"Short Date Time", u"shortDateTime:", K::Styled, kShortStyle,
+     kShortStyle},
+    {G::DateTime, u"Medium Date-Time", u"Medium Date Time", u"mediumDateTime:", K::Styled,
+     kMediumStyle, kMediumStyle},
+    {G::DateTime, u"Long Date-Time", u"Long Date Time", u"longDateTime:", K::Styled, kLongStyle,
+     kLongStyle},
+    {G::DateTime, u"Full Date-Time", u"Full Date Time", u"fullDateTime:", K::Styled, kFullStyle,
+     kFullStyle},
+    {G::DateOnly, u"Short Date", u"Short Date", u"shortDate:", K::Styled, kShortStyle, kNoStyle},
+    {G::DateOnly, u"Medium Date", u"Medium Date", u"mediumDate:", K::Styled, kMediumStyle,
+     kNoStyle},
+    {G::DateOnly, u"Long Date", u"Long Date", u"longDate:", K::Styled, kLongStyle, kNoStyle},
+    {G::DateOnly, u"Full Date", u"Full Date", u"fullDate:", K::Styled, kFullStyle, kNoStyle},
+    {G::TimeOnly, u"Short Time", u"", u"shortTime:", K::Styled, kNoStyle, kShortStyle},
+    {G::TimeOnly, u"Medium Time", u"", u"mediumTime:", K::Styled, kNoStyle, kMediumStyle},
+    {G::TimeOnly, u"Long Time", u"", u"longTime:", K::Styled, kNoStyle, kLongStyle},
+    {G::TimeOnly, u"Full Time", u"", u"fullTime:", K::Styled, kNoStyle, kFullStyle},
+    {G::Numerical, u"GMT Date Time", u"GMT", u"gmtDateTime:", K::GMTDateTime, kNoStyle, kNoStyle},
+    {G::Numerical, u"Numerical Date Time", u"", u"numericalDateTime:", K::NumericalDateTime,
+     kNoStyle, kNoStyle},
+    {G::Numerical, u"Numerical Date", u"", u"numericalDate:", K::NumericalDate, kNoStyle, kNoStyle},
+    {G::Numerical, u"Numerical Date No Hyphens", u"", u"numericalDateNoHyphens:",
+     K::NumericalDateNoHyphens, kNoStyle, kNoStyle},
+}};
+
+QStringList DescriptionFields(const QString &description)
+{
+    if (description.isNull())
+        return {};
+    return description.split(QLatin1Char(' '));
+}
+} // namespace
+
+const std::array<CatalogueFormat, 16> &DateFormatCatalogue()
+{
+    return kCatalogue;
+}
+
+const CatalogueFormat *CatalogueFormatWithMenuName(QStringView menuName)
+{
+    for (const CatalogueFormat &format : kCatalogue) {
+        if (format.menuName == menuName)
+            return &format;
+    }
+    return nullptr;
+}
+
+const CatalogueFormat *CatalogueFormatWithTitleName(QStringView titleName)
+{
+    if (titleName.isEmpty())
+        return nullptr;
+    for (const CatalogueFormat &format : kCatalogue) {
+        if (format.titleName == titleName)
+            return &format;
+    }
+    return nullptr;
+}
+
+QString NumericalDateFromDescription(const QString &description)
+{
+    const QStringList fields = DescriptionFields(description);
+    return fields.isEmpty() ? QString() : fields.at(0);
+}
+
+QString NumericalDateTimeFromDescription(const QString &description)
+{
+    const QStringList fields = DescriptionFields(description);
+    if (fields.size() < 2)
+        return {};
+    return fields.at(0) + QLatin1Char(' ') + fields.at(1);
+}
+
+QString NumericalDateNoHyphensFromDescription(const QString &description)
+{
+    QString date = NumericalDateFromDescription(description);
+    if (date.isNull())
+        return {};
+    return date.remove(QLatin1Char('-'), Qt::CaseSensitive);
+}
+
+QString CatalogueFormatText(const CatalogueFormat &format, AbsoluteTime instant)
+{
+    switch (format.kind) {
+    case DateFormatKind::Styled:
+        return StyledDateTimeString(instant, format.dateStyle, format.timeStyle);
+    case DateFormatKind::GMTDateTime:
+        return DefaultDescription(instant);
+    case DateFormatKind::NumericalDateTime:
+        return NumericalDateTimeFromDescription(DefaultDescription(instant));
+    case DateFormatKind::NumericalDate:
+        return NumericalDateFromDescription(DefaultDescription(instant));
+    case DateFormatKind::NumericalDateNoHyphens:
+        return NumericalDateNoHyphensFromDescription(DefaultDescription(instant));
+    }
+    return {};
+}
+
+std::optional<QString> TitleFormatText(QStringView titleName, const Clock &clock)
+{
+    const CatalogueFormat *format = CatalogueFormatWithTitleName(titleName);
+    if (!format)
+        return std::nullopt;
+    if (format->kind == DateFormatKind::GMTDateTime)
+        return GMTString(clock);
+    char buffer[kDateStringBufferSize];
+    if (!MakeCurrentDateString(clock, format->dateStyle, format->timeStyle, buffer,
+                               kDateStringBufferSize))
+        return kFallbackText;
+    return QString::fromUtf8(buffer);
+}

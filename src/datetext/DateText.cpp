@@ -1,0 +1,177 @@
+#include "datetext/DateText.h"
+
+#include "datetext/LocalEnvironment.h"
+
+#include <unicode/datefmt.h>
+#include <unicode/gregocal.h>
+
+#include <cstring>
+#include <limits>
+#include <memory>
+
+AbsoluteTime g_selectedDateTime = 0;
+std::optional<QVariantMap> gUserDefaultsDictionary;
+
+AbsoluteTime WorkingInstant(const Clock &clock)
+{
+    const AbsoluteTime now = clock.currentAbsoluteTime();
+    const AbsoluteTime selected = g_selectedDateTime;
+    return selected == 0.0 ? now : selected;
+}
+
+namespace {
+std::optional<icu::DateFormat::EStyle> IcuStyle(DateFormatterStyle style)
+{
+    switch (style) {
+    case kNoStyle:
+        return icu::DateFormat::kNone;
+    case kShortStyle:
+        return icu::DateFormat::kShort;
+    case kMediumStyle:
+        return icu::DateFormat::kMedium;
+    case kLongStyle:
+        return icu::DateFormat::kLong;
+    case kFullStyle:
+        return icu::DateFormat::kFull;
+    }
+    return std::nullopt;
+}
+
+QString FromIcu(const icu::UnicodeString &text)
+{
+    return QString(reinterpret_cast<const QChar *>(text.getBuffer()), text.length());
+}
+} // namespace
+
+QString StyledDateTimeString(AbsoluteTime instant, DateFormatterStyle dateStyle,
+                             DateFormatterStyle timeStyle)
+{
+    const std::optional<icu::DateFormat::EStyle> icuDateStyle = IcuStyle(dateStyle);
+    const std::optional<icu::DateFormat::EStyle> icuTimeStyle = IcuStyle(timeStyle);
+    if (!icuDateStyle || !icuTimeStyle || (dateStyle == kNoStyle && timeStyle == kNoStyle))
+        return {};
+    const std::optional<qint64> ms = UnixMillisecondsFromAbsoluteTime(instant);
+    if (!ms)
+        return {};
+
+    // A fresh locale, zone and formatter every time, so that a change of either shows at once.
+    const std::optional<icu::Locale> locale = CurrentIcuLocale();
+    if (!locale)
+        return {};
+    std::unique_ptr<icu::DateFormat> formatter(
+        icu::DateFormat::createDateTimeInstance(*icuDateStyle, *icuTimeStyle, *locale));
+    if (!formatter)
+        return {};
+
+    std::unique_ptr<icu::Calendar> calendar(formatter->getCalendar()->clone());
+    if (!calendar)
+        return {};
+    // ICU's Gregorian calendar switches to the Julian one before October 1582; every other text
+    // here (the description, custom formats) counts days on the proleptic Gregorian calendar, and
+    // the menu must not show two different dates for one instant.
+    if (auto *gregorian = dynamic_cast<icu::GregorianCalendar *>(calendar.get())) {
+        UErrorCode status = U_ZERO_ERROR;
+        gregorian->setGregorianChange(-std::numeric_limits<double>::max(), status);
+    }
+    calendar->adoptTimeZone(CurrentIcuTimeZone().release());
+    formatter->adoptCalendar(calendar.release());
+
+    icu::UnicodeString text;
+    formatter->format(static_cast<UDate>(*ms), text);
+    if (text.isBogus())
+        return {};
+    return FromIcu(text);
+}
+
+QString CurrentDateTimeString(const Clock &clock, DateFormatterStyle dateStyle,
+                              DateFormatterStyle timeStyle)
+{
+    return StyledDateTimeString(clock.currentAbsoluteTime(), dateStyle, timeStyle);
+}
+
+QString MakeCurrentDateTimeStringRef(const Clock &clock, DateFormatterStyle dateStyle,
+                                     DateFormatterStyle timeStyle)
+{
+    return StyledDateTimeString(WorkingInstant(clock), dateStyle, timeStyle);
+}
+
+bool MakeCurrentDateString(const Clock &clock, DateFormatterStyle dateStyle,
+                           DateFormatterStyle timeStyle, char *buffer, qint32 bufferSize)
+{
+    const QString text = MakeCurrentDateTimeStringRef(clock, dateStyle, timeStyle);
+    if (text.isNull() || !buffer || bufferSize <= 0)
+        return false;
+    const QByteArray utf8 = text.toUtf8();
+    // All or nothing: a text that does not fit with its terminator is never cut short.
+    if (utf8.size() >= bufferSize)
+        return false;
+    std::memcpy(buffer, utf8.constData(), static_cast<size_t>(utf8.size()));
+    buffer[utf8.size()] = '\0';
+    return true;
+}
+
+namespace {
+QString TitleText(const Clock &clock, DateFormatterStyle dateStyle, DateFormatterStyle timeStyle)
+{
+    char buffer[kDateStringBufferSize];
+    if (!MakeCurrentDateString(clock, dateStyle, timeStyle, buffer, kDateStringBufferSize))
+        return kFallbackText;
+    return QString::fromUtf8(buffer);
+}
+} // namespace
+
+QString ShortDateString(const Clock &clock)
+{
+    return TitleText(clock, kShortStyle, kNoStyle);
+}
+
+QString ShortDateTimeString(const Clock &clock)
+{
+    return TitleText(clock, kShortStyle, kShortStyle);
+}
+
+QString MediumDateString(const Clock &clock)
+{
+    return TitleText(clock, kMediumStyle, kNoStyle);
+}
+
+QString MediumDateTimeString(const Clock &clock)
+{
+    return TitleText(clock, kMediumStyle, kMediumStyle);
+}
+
+QString LongDateString(const Clock &clock)
+{
+    return TitleText(clock, kLongStyle, kNoStyle);
+}
+
+QString LongDateTimeString(const Clock &clock)
+{
+    return TitleText(clock, kLongStyle, kLongStyle);
+}
+
+QString FullDateString(const Clock &clock)
+{
+    return TitleText(clock, kFullStyle, kNoStyle);
+}
+
+QString FullDateTimeString(const Clock &clock)
+{
+    return TitleText(clock, kFullStyle, kFullStyle);
+}
+
+QString GMTString(const Clock &clock)
+{
+    return DefaultDescription(clock.currentAbsoluteTime());
+}
+
+QString NumericalDateString(const Clock &clock)
+{
+    const QString description = DefaultDescription(clock.currentAbsoluteTime());
+    if (description.isNull())
+        return kFallbackText;
+    const QStringList fields = description.split(QLatin1Char(' '));
+    if (fields.isEmpty())
+        return kFallbackText;
+    return fields.first();
+}
