@@ -1,8 +1,334 @@
 #include "app/cli/DefaultsCommand.h"
 
-int RunDefaultsCommand(const QStringList &, QTextStream &, QTextStream &err)
+#include "app/settings/Settings.h"
+#include "platform/AppIdentifier.h"
+#include "platform/PreferencesStore.h"
+#include "platform/dbus/DBusNotificationCenter.h"
+#include "platform/store/PlistPreferencesStore.h"
+#include "platform/store/PropertyList.h"
+
+#include <QCoreApplication>
+#include <QDateTime>
+
+#include <cmath>
+#include <memory>
+#include <optional>
+
+namespace {
+
+const QString kTypeFlags = QStringLiteral("-bool, -int, -float, -string, -date or -array");
+
+// How long a write waits for the bus to pass its broadcast on before the process exits.
+constexpr int kBroadcastFlushMs = 1000;
+
+struct Failure
 {
-    err << "horalo: this command is not available yet\n";
+    QString message;
+};
+
+void PrintError(QTextStream &err, const QString &message)
+{
+    err << "horalo defaults: " << message << '\n';
+}
+
+QString Quoted(const QString &text)
+{
+    return u'\'' + text + u'\'';
+}
+
+std::optional<QVariant> ParseBool(const QString &text, Failure &failure)
+{
+    const QString word = text.toLower();
+    if (word == u"true" || word == u"yes" || word == u"1")
+        return QVariant(true);
+    if (word == u"false" || word == u"no" || word == u"0")
+        return QVariant(false);
+    failure.message =
+        Quoted(text) + QStringLiteral(" is not a boolean (true, false, yes, no, 1 or 0)");
+    return std::nullopt;
+}
+
+std::optional<QVariant> ParseInt(const QString &text, Failure &failure)
+{
+    bool ok = false;
+    const qlonglong value = text.toLongLong(&ok, 10);
+    if (!ok) {
+        failure.message = Quoted(text) + QStringLiteral(" is not an integer");
+        return std::nullopt;
+    }
+    return QVariant(value);
+}
+
+std::optional<QVariant> ParseFloat(const QString &text, Failure &failure)
+{
+    bool ok = false;
+    const double value = text.toDouble(&ok);
+    if (!ok || !std::isfinite(value)) {
+        failure.message = Quoted(text) + QStringLiteral(" is not a number");
+        return std::nullopt;
+    }
+    return QVariant(value);
+}
+
+std::optional<QVariant> ParseDate(const QString &text, Failure &failure)
+{
+    // A time without an offset is local time, as ISO 8601 has it.
+    const QDateTime date = QDateTime::fromString(text, Qt::ISODateWithMs);
+    const std::optional<QVariant> kept =
+        date.isValid() ? NormalizedPropertyListValue(date.toUTC()) : std::nullopt;
+    if (!kept) {
+        failure.message =
+            Quoted(text) + QStringLiteral(" is not an ISO 8601 date (like 2024-05-01T09:30:00Z)");
+        return std::nullopt;
+    }
+    return kept;
+}
+
+// The value of `write KEY FLAG VALUES...`.
+std::optional<QVariant> ParseTypedValue(const QString &flag, const QStringList &values,
+                                        Failure &failure)
+{
+    if (flag == u"-array") {
+        QVariantList list;
+        for (const QString &value : values)
+            list.append(value);
+        return QVariant(list);
+    }
+
+    using Parser = std::optional<QVariant> (*)(const QString &, Failure &);
+    Parser parse = nullptr;
+    if (flag == u"-bool" || flag == u"-boolean")
+        parse = ParseBool;
+    else if (flag == u"-int" || flag == u"-integer")
+        parse = ParseInt;
+    else if (flag == u"-float")
+        parse = ParseFloat;
+    else if (flag == u"-date")
+        parse = ParseDate;
+    else if (flag == u"-string")
+        parse = [](const QString &text, Failure &) { return std::optional<QVariant>(text); };
+
+    if (!parse) {
+        failure.message = flag.startsWith(u'-')
+                              ? QStringLiteral("unknown type flag ") + Quoted(flag) +
+                                    QStringLiteral(" (") + kTypeFlags + u')'
+                              : QStringLiteral("expected a type flag (") + kTypeFlags +
+                                    QStringLiteral(") before ") + Quoted(flag);
+        return std::nullopt;
+    }
+    if (values.isEmpty()) {
+        failure.message = flag + QStringLiteral(" needs a value");
+        return std::nullopt;
+    }
+    if (values.size() > 1) {
+        failure.message =
+            flag + QStringLiteral(" takes one value, not ") + QString::number(values.size());
+        return std::nullopt;
+    }
+    return parse(values.first(), failure);
+}
+
+bool IsPlainWord(const QString &text)
+{
+    if (text.isEmpty() || !(text.at(0).isLetter() && text.at(0).unicode() < 128))
+        return false;
+    for (const QChar c : text) {
+        if (c.unicode() >= 128 || !(c.isLetterOrNumber() || c == u'_'))
+            return false;
+    }
+    return true;
+}
+
+QString QuotedIfNeeded(const QString &text)
+{
+    if (IsPlainWord(text))
+        return text;
+    QString escaped;
+    for (const QChar c : text) {
+        if (c == u'"' || c == u'\\')
+            escaped += u'\\' + QString(c);
+        else if (c == u'\n')
+            escaped += QStringLiteral("\\n");
+        else if (c == u'\t')
+            escaped += QStringLiteral("\\t");
+        else
+            escaped += c;
+    }
+    return u'"' + escaped + u'"';
+}
+
+QString Describe(const QVariant &value, int level, bool topLevel)
+{
+    const QString indent(4 * (level + 1), u' ');
+    const QString closingIndent(4 * level, u' ');
+    switch (value.typeId()) {
+    case QMetaType::Bool:
+        return value.toBool() ? QStringLiteral("1") : QStringLiteral("0");
+    case QMetaType::Double: {
+        const double d = value.toDouble();
+        if (std::isnan(d))
+            return QStringLiteral("nan");
+        if (std::isinf(d))
+            return d > 0 ? QStringLiteral("inf") : QStringLiteral("-inf");
+        return QString::number(d, 'g', QLocale::FloatingPointShortest);
+    }
+    case QMetaType::QDateTime:
+        return value.toDateTime().toUTC().toString(Qt::ISODate);
+    case QMetaType::QByteArray:
+        return u'<' + QString::fromLatin1(value.toByteArray().toHex()) + u'>';
+    case QMetaType::QString:
+        return topLevel ? value.toString() : QuotedIfNeeded(value.toString());
+    case QMetaType::QStringList:
+    case QMetaType::QVariantList: {
+        const QVariantList list = value.toList();
+        if (list.isEmpty())
+            return QStringLiteral("()");
+        QString text = QStringLiteral("(\n");
+        for (qsizetype i = 0; i < list.size(); ++i) {
+            text += indent + Describe(list.at(i), level + 1, false);
+            text += i + 1 < list.size() ? QStringLiteral(",\n") : QStringLiteral("\n");
+        }
+        return text + closingIndent + u')';
+    }
+    case QMetaType::QVariantMap: {
+        const QVariantMap map = value.toMap();
+        if (map.isEmpty())
+            return QStringLiteral("{}");
+        QString text = QStringLiteral("{\n");
+        for (auto it = map.cbegin(); it != map.cend(); ++it) {
+            text += indent + QuotedIfNeeded(it.key()) + QStringLiteral(" = ") +
+                    Describe(it.value(), level + 1, false) + QStringLiteral(";\n");
+        }
+        return text + closingIndent + u'}';
+    }
+    default:
+        // Integers of every width.
+        return value.toString();
+    }
+}
+
+QString MissingKeyMessage(const QString &key)
+{
+    return QStringLiteral("the key ") + Quoted(key) + QStringLiteral(" does not exist in ") +
+           AppIdentifier;
+}
+
+// Saves the store and tells a running Horalo. Only a failed save is an error: like every
+// other poster, we do not check whether anyone heard the broadcast.
+int SaveAndAnnounce(PreferencesStore &store, DistributedNotificationCenter *center,
+                    QTextStream &err)
+{
+    if (!store.appSynchronize(AppIdentifier)) {
+        PrintError(err, QStringLiteral("could not save the settings"));
+        return 1;
+    }
+    if (center)
+        center->postNotification(PreferencesChangedNotification, AppIdentifier, {}, true);
+    return 0;
+}
+
+int Read(PreferencesStore &store, const QStringList &args, QTextStream &out, QTextStream &err)
+{
+    if (args.size() > 2) {
+        PrintError(err, QStringLiteral("read takes at most one key"));
+        return 2;
+    }
+    store.appSynchronize(AppIdentifier);
+    if (args.size() == 1) {
+        out << Describe(store.copyAllValues(AppIdentifier), 0, false) << '\n';
+        return 0;
+    }
+    const QVariant value = store.copyAppValue(args.at(1), AppIdentifier);
+    if (!value.isValid()) {
+        PrintError(err, MissingKeyMessage(args.at(1)));
+        return 2;
+    }
+    out << Describe(value, 0, true) << '\n';
+    return 0;
+}
+
+int Write(PreferencesStore &store, DistributedNotificationCenter *center, const QStringList &args,
+          QTextStream &err)
+{
+    if (args.size() < 3) {
+        PrintError(err, QStringLiteral("write needs a key, a type flag (") + kTypeFlags +
+                            QStringLiteral(") and a value"));
+        return 2;
+    }
+    const QString key = args.at(1);
+    if (key.isEmpty()) {
+        PrintError(err, QStringLiteral("the key must not be empty"));
+        return 2;
+    }
+    Failure failure;
+    const std::optional<QVariant> value = ParseTypedValue(args.at(2), args.mid(3), failure);
+    if (!value) {
+        PrintError(err, failure.message);
+        return 2;
+    }
+    store.appSynchronize(AppIdentifier);
+    store.setAppValue(key, *value, AppIdentifier);
+    return SaveAndAnnounce(store, center, err);
+}
+
+int Delete(PreferencesStore &store, DistributedNotificationCenter *center, const QStringList &args,
+           QTextStream &err)
+{
+    if (args.size() != 2) {
+        PrintError(err, args.size() < 2 ? QStringLiteral("delete needs a key")
+                                        : QStringLiteral("delete takes one key"));
+        return 2;
+    }
+    store.appSynchronize(AppIdentifier);
+    if (!store.copyAppValue(args.at(1), AppIdentifier).isValid()) {
+        PrintError(err, MissingKeyMessage(args.at(1)));
+        return 2;
+    }
+    store.setAppValue(args.at(1), QVariant(), AppIdentifier);
+    return SaveAndAnnounce(store, center, err);
+}
+
+} // namespace
+
+QString DescribeDefaultsValue(const QVariant &value)
+{
+    return Describe(value, 0, true);
+}
+
+int RunDefaultsCommandOn(PreferencesStore &store, DistributedNotificationCenter *center,
+                         const QStringList &args, QTextStream &out, QTextStream &err)
+{
+    const QString verb = args.value(0);
+    if (verb == u"read")
+        return Read(store, args, out, err);
+    if (verb == u"write")
+        return Write(store, center, args, err);
+    if (verb == u"delete")
+        return Delete(store, center, args, err);
+    PrintError(err, verb.isEmpty() ? QStringLiteral("missing command (read, write or delete)")
+                                   : QStringLiteral("unknown command ") + Quoted(verb) +
+                                         QStringLiteral(" (read, write or delete)"));
     return 2;
 }
 
+int RunDefaultsCommand(const QStringList &args, QTextStream &out, QTextStream &err)
+{
+    PlistPreferencesStore store;
+    const QString verb = args.value(0);
+    if (verb != u"write" && verb != u"delete")
+        return RunDefaultsCommandOn(store, nullptr, args, out, err);
+
+    // The bus connection wants an application object; the command line may not have one.
+    int argc = 1;
+    char name[] = "horalo";
+    char *argv[] = {name, nullptr};
+    std::unique_ptr<QCoreApplication> application;
+    if (!QCoreApplication::instance())
+        application = std::make_unique<QCoreApplication>(argc, argv);
+
+    DBusNotificationCenter center;
+    const int status = RunDefaultsCommandOn(store, &center, args, out, err);
+    // Let the bus pass the broadcast on before this process, and its connection, go away.
+    center.flush(kBroadcastFlushMs);
+    return status;
+}

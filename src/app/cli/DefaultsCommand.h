@@ -2,6 +2,22 @@
 
 #include <QStringList>
 #include <QTextStream>
+#include <QVariant>
 
-// `horalo defaults read [KEY] | write KEY -TYPE VALUE... | delete KEY` on the settings store.
+class DistributedNotificationCenter;
+class PreferencesStore;
+
+// `horalo defaults read [KEY] | write KEY -TYPE VALUE... | delete KEY` on the settings store,
+// the user's way to the hidden settings. A write or delete synchronises the store and posts
+// "Preferences Changed" on the session bus, so a running Horalo rebuilds at once. Bad input
+// prints one line on `err`, exits 2 and leaves the store as it was.
 int RunDefaultsCommand(const QStringList &args, QTextStream &out, QTextStream &err);
+
+// The same on a given store; a change is announced on center when there is one.
+int RunDefaultsCommandOn(PreferencesStore &store, DistributedNotificationCenter *center,
+                         const QStringList &args, QTextStream &out, QTextStream &err);
+
+// A value as `read` prints it: booleans as 1 or 0, dates in ISO 8601 (UTC), a string as it is
+// at the top level and quoted inside lists and dictionaries unless it is a plain word, lists
+// as ( ... ) and dictionaries as { key = value; }, four spaces per level.
+QString DescribeDefaultsValue(const QVariant &value);

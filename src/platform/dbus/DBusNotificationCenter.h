@@ -1,3 +1,66 @@
 #pragma once
 
 #include "platform/NotificationCenter.h"
+
+#include <QDBusConnection>
+#include <QList>
+#include <QObject>
+
+class QDBusMessage;
+
+// The distributed notification centre over the D-Bus session bus. A notification travels as
+// the signal org.horalo.DistributedNotifications.Notification(s name, s object, a{sv} userInfo)
+// from the object path /org/horalo/DistributedNotifications; every centre on the bus hears
+// every one, its sender's included, and hands it to the observers whose name and object match.
+// Callbacks run from the Qt event loop, never inside postNotification().
+//
+// Without a reachable bus the centre still works within its process: a notification is queued
+// on the event loop and delivered to this centre's observers once. Nothing waits on the bus
+// except flush().
+//
+// User-info values must be what D-Bus can carry: booleans, numbers, strings, lists and maps of
+// them.
+class DBusNotificationCenter final : public QObject, public DistributedNotificationCenter
+{
+    Q_OBJECT
+
+public:
+    static const QString ObjectPath;
+    static const QString Interface;
+    static const QString SignalName;
+
+    // On the session bus, when one can be reached.
+    explicit DBusNotificationCenter(QObject *parent = nullptr);
+    // On the given connection; a disconnected one gives a centre for this process only.
+    explicit DBusNotificationCenter(const QDBusConnection &connection, QObject *parent = nullptr);
+    ~DBusNotificationCenter() override;
+
+    void addObserver(void *observer, NotificationCallback callback, const QString &name,
+                     const QString &object, SuspensionBehavior behavior) override;
+    void postNotification(const QString &name, const QString &object, const QVariantMap &userInfo,
+                          bool deliverImmediately) override;
+
+    bool isConnectedToBus() const { return m_connected; }
+
+    // Waits, at most timeoutMs, until the bus has routed everything this centre posted so far;
+    // a process that posts and then exits calls this first. True at once without a bus.
+    bool flush(int timeoutMs = 1000);
+
+private Q_SLOTS:
+    void handleBusSignal(const QDBusMessage &message);
+
+private:
+    struct Observation
+    {
+        void *observer;
+        NotificationCallback callback;
+        QString name;
+        QString object;
+    };
+
+    void deliver(const QString &name, const QString &object, const QVariantMap &userInfo);
+
+    QDBusConnection m_connection;
+    bool m_connected = false;
+    QList<Observation> m_observations;
+};

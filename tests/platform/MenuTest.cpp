@@ -1,0 +1,106 @@
+#include "platform/Menu.h"
+
+#include <QStringList>
+
+#include <gtest/gtest.h>
+
+namespace {
+
+using namespace Qt::StringLiterals;
+
+MenuItem Item(const QString &title, const QString &action)
+{
+    MenuItem item;
+    item.title = title;
+    item.action = action;
+    return item;
+}
+
+// Validates every action except the refused ones, and records what it performs.
+class RecordingTarget final : public MenuTarget
+{
+public:
+    bool validateMenuItem(const MenuItem &item) override { return !refused.contains(item.action); }
+    void performAction(const QString &action, const MenuItem &) override
+    {
+        performed.append(action);
+    }
+
+    QStringList refused;
+    QStringList performed;
+};
+
+class MenuTest : public ::testing::Test
+{
+protected:
+    void SetUp() override
+    {
+        m_menu.addItem(Item(u"Copy"_s, u"shortDate:"_s));
+        m_menu.addItem(Item(u"It is now: noon"_s, QString()));
+        m_menu.addItem(MenuItem::separatorItem());
+        m_menu.addItem(Item(u"Refused"_s, u"quit:"_s));
+        m_target.refused = {u"quit:"_s};
+    }
+
+    Menu m_menu;
+    RecordingTarget m_target;
+};
+
+TEST_F(MenuTest, AutomaticEnablingAsksTheTargetOnlyForEntriesWithAnAction)
+{
+    EXPECT_FALSE(m_menu.isItemEnabled(0)) << "no target yet";
+    m_menu.setTarget(&m_target);
+    EXPECT_TRUE(m_menu.isItemEnabled(0));
+    EXPECT_FALSE(m_menu.isItemEnabled(1));
+    EXPECT_FALSE(m_menu.isItemEnabled(2));
+    EXPECT_FALSE(m_menu.isItemEnabled(3));
+    EXPECT_FALSE(m_menu.isItemEnabled(-1));
+    EXPECT_FALSE(m_menu.isItemEnabled(4));
+
+    m_menu.setAutoenablesItems(false);
+    EXPECT_TRUE(m_menu.isItemEnabled(3)) << "without automatic enabling the target is not asked";
+    EXPECT_FALSE(m_menu.isItemEnabled(1));
+    EXPECT_FALSE(m_menu.isItemEnabled(2));
+}
+
+TEST_F(MenuTest, OnlyEnabledEntriesRunTheirAction)
+{
+    m_menu.setTarget(&m_target);
+    EXPECT_TRUE(m_menu.activateItemAtIndex(0));
+    EXPECT_FALSE(m_menu.activateItemAtIndex(1));
+    EXPECT_FALSE(m_menu.activateItemAtIndex(3));
+    EXPECT_FALSE(m_menu.activateItemAtIndex(9));
+    EXPECT_EQ(m_target.performed, QStringList{u"shortDate:"_s});
+}
+
+TEST_F(MenuTest, RevisionCountsRealChangesOnly)
+{
+    const quint64 before = m_menu.revision();
+    m_menu.removeItemAtIndex(7);
+    EXPECT_EQ(m_menu.revision(), before);
+    m_menu.removeItemAtIndex(0);
+    EXPECT_EQ(m_menu.revision(), before + 1);
+    EXPECT_EQ(m_menu.numberOfItems(), 3);
+    EXPECT_EQ(m_menu.itemAtIndex(0).title, u"It is now: noon"_s);
+}
+
+TEST_F(MenuTest, WillOpenAsksTheDelegateToRebuild)
+{
+    struct Rebuilder final : MenuDelegate
+    {
+        void menuNeedsUpdate(Menu *menu) override
+        {
+            while (menu->numberOfItems() > 0)
+                menu->removeItemAtIndex(0);
+            menu->addItem(Item(u"Fresh"_s, u"fullDate:"_s));
+        }
+    } rebuilder;
+    m_menu.willOpen(); // no delegate: nothing happens
+    EXPECT_EQ(m_menu.numberOfItems(), 4);
+    m_menu.setDelegate(&rebuilder);
+    m_menu.willOpen();
+    ASSERT_EQ(m_menu.numberOfItems(), 1);
+    EXPECT_EQ(m_menu.itemAtIndex(0).title, u"Fresh"_s);
+}
+
+} // namespace

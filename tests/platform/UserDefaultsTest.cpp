@@ -1,0 +1,72 @@
+#include "platform/UserDefaults.h"
+
+#include "TestSupport.h"
+#include "platform/AppIdentifier.h"
+#include "platform/store/PlistPreferencesStore.h"
+
+#include <QDateTime>
+
+#include <gtest/gtest.h>
+
+namespace {
+
+using namespace Qt::StringLiterals;
+
+class UserDefaultsTest : public ::testing::Test
+{
+protected:
+    void store(const QString &key, const QVariant &value)
+    {
+        m_writer.setAppValue(key, value, AppIdentifier);
+        m_writer.appSynchronize(AppIdentifier);
+    }
+
+    QTemporaryDir m_dir = ScratchDirectory();
+    QString m_path = m_dir.path() + QStringLiteral("/defaults.plist");
+    PlistPreferencesStore m_writer{m_path};
+    PlistPreferencesStore m_reader{m_path};
+    int m_registrationCalls = 0;
+    UserDefaults m_defaults{
+        m_reader, AppIdentifier, [this] {
+            ++m_registrationCalls;
+            return QVariantMap{{u"AppleLocale"_s, u"en_US"_s}, {u"menuTitleFormatter"_s, u"%H"_s}};
+        }};
+};
+
+TEST_F(UserDefaultsTest, StoredValuesLieOverTheRegistrationLayer)
+{
+    EXPECT_EQ(m_defaults.objectForKey(u"menuTitleFormatter"_s), QVariant(u"%H"_s));
+    store(u"menuTitleFormatter"_s, u"%Y"_s);
+    EXPECT_EQ(m_defaults.objectForKey(u"menuTitleFormatter"_s), QVariant(u"%Y"_s));
+    EXPECT_EQ(m_defaults.objectForKey(u"AppleLocale"_s), QVariant(u"en_US"_s));
+    EXPECT_FALSE(m_defaults.objectForKey(u"missing"_s).isValid());
+
+    const QVariantMap all = m_defaults.dictionaryRepresentation();
+    EXPECT_EQ(all.value(u"menuTitleFormatter"_s), QVariant(u"%Y"_s));
+    EXPECT_EQ(all.value(u"AppleLocale"_s), QVariant(u"en_US"_s));
+    EXPECT_EQ(all.size(), 2);
+}
+
+TEST_F(UserDefaultsTest, StringForKeyGivesNullForOtherTypes)
+{
+    const QDateTime date = QDateTime::fromSecsSinceEpoch(1142019107, Qt::UTC);
+    store(u"datePickerValue"_s, date);
+    store(u"number"_s, 5);
+    EXPECT_EQ(m_defaults.objectForKey(u"datePickerValue"_s), QVariant(date));
+    EXPECT_TRUE(m_defaults.stringForKey(u"datePickerValue"_s).isNull());
+    EXPECT_TRUE(m_defaults.stringForKey(u"number"_s).isNull());
+    EXPECT_TRUE(m_defaults.stringForKey(u"missing"_s).isNull());
+    EXPECT_EQ(m_defaults.stringForKey(u"AppleLocale"_s), u"en_US"_s);
+}
+
+TEST_F(UserDefaultsTest, RegistrationIsAskedAfreshAndCanBeReplaced)
+{
+    m_defaults.objectForKey(u"missing"_s);
+    m_defaults.objectForKey(u"missing"_s);
+    EXPECT_EQ(m_registrationCalls, 2);
+    m_defaults.setRegistrationProvider({});
+    EXPECT_FALSE(m_defaults.objectForKey(u"AppleLocale"_s).isValid());
+    EXPECT_TRUE(m_defaults.dictionaryRepresentation().isEmpty());
+}
+
+} // namespace
