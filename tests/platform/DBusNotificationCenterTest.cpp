@@ -31,13 +31,16 @@ protected:
         m_sentinel.observe(*m_center, kSentinel, AppIdentifier);
     }
 
-    // The bus keeps one sender's order, so once our sentinel is back, everything we posted
-    // before it has been delivered as often as it ever will be.
+    // The bus keeps one sender's order, and has routed all we sent once flush() returns; so
+    // once our sentinel is back, everything we posted before it has been delivered as often as
+    // it ever will be.
     bool drainOwnPosts()
     {
         const qsizetype before = m_sentinel.received.size();
         m_center->postNotification(kSentinel, AppIdentifier, {}, true);
-        return ProcessEventsUntil([&] { return m_sentinel.received.size() > before; });
+        m_center->flush();
+        return ProcessEventsUntil([&] { return m_sentinel.received.size() > before; }) &&
+               m_sentinel.received.size() == before + 1;
     }
 
     std::unique_ptr<DBusNotificationCenter> m_center;

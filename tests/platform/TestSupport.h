@@ -10,6 +10,7 @@
 #include <QThread>
 
 #include <functional>
+#include <ostream>
 
 // The application object that QtDBus and queued calls need, one per test process.
 inline QCoreApplication &TestApplication()
@@ -57,4 +58,10 @@ inline bool WriteFileBytes(const QString &path, const QByteArray &bytes)
     QFile file(path);
     return file.open(QIODevice::WriteOnly | QIODevice::Truncate) &&
            file.write(bytes) == bytes.size();
+}
+
+// Lets GoogleTest print QStrings as text in its failure messages.
+inline void PrintTo(const QString &text, std::ostream *os)
+{
+    *os << '"' << text.toStdString() << '"';
 }

@@ -1,0 +1,170 @@
+#include "DefaultsCommandFixture.h"
+#include "app/settings/Settings.h"
+#include "platform/NotificationCenter.h"
+
+#include <QDateTime>
+
+namespace {
+
+using namespace Qt::StringLiterals;
+
+struct RoundTrip
+{
+    QStringList write; // after "write k"
+    QMetaType::Type storedType;
+    QString printed;
+};
+
+TEST_F(DefaultsCommandTest, EveryTypeRoundTrips)
+{
+    const RoundTrip cases[] = {
+        {{u"-string"_s, u"%Y"_s}, QMetaType::QString, u"%Y\n"_s},
+        {{u"-string"_s, u"two words"_s}, QMetaType::QString, u"two words\n"_s},
+        {{u"-bool"_s, u"yes"_s}, QMetaType::Bool, u"1\n"_s},
+        {{u"-bool"_s, u"NO"_s}, QMetaType::Bool, u"0\n"_s},
+        {{u"-bool"_s, u"true"_s}, QMetaType::Bool, u"1\n"_s},
+        {{u"-bool"_s, u"0"_s}, QMetaType::Bool, u"0\n"_s},
+        {{u"-int"_s, u"-42"_s}, QMetaType::LongLong, u"-42\n"_s},
+        {{u"-int"_s, u"9223372036854775807"_s}, QMetaType::LongLong, u"9223372036854775807\n"_s},
+        {{u"-float"_s, u"2.5"_s}, QMetaType::Double, u"2.5\n"_s},
+        {{u"-float"_s, u"-1e-3"_s}, QMetaType::Double, u"-0.001\n"_s},
+        {{u"-date"_s, u"2006-03-10T14:31:47-05:00"_s},
+         QMetaType::QDateTime,
+         u"2006-03-10T19:31:47Z\n"_s},
+        // Without an offset, local time (America/New_York in the tests).
+        {{u"-date"_s, u"2006-07-10T14:31:47"_s}, QMetaType::QDateTime, u"2006-07-10T18:31:47Z\n"_s},
+        {{u"-array"_s, u"%Y"_s, u"Day"_s},
+         QMetaType::QVariantList,
+         u"(\n    \"%Y\",\n    Day\n)\n"_s},
+        {{u"-array"_s}, QMetaType::QVariantList, u"()\n"_s},
+    };
+    for (const RoundTrip &c : cases) {
+        const QString what = c.write.join(u' ');
+        const Result written = run(QStringList{u"write"_s, u"k"_s} + c.write);
+        EXPECT_EQ(written.status, 0) << qPrintable(what) << qPrintable(written.err);
+        EXPECT_TRUE(written.out.isEmpty() && written.err.isEmpty()) << qPrintable(what);
+        EXPECT_EQ(stored(u"k"_s).typeId(), c.storedType) << qPrintable(what);
+        const Result read = run({u"read"_s, u"k"_s});
+        EXPECT_EQ(read.status, 0);
+        EXPECT_EQ(read.out, c.printed) << qPrintable(what);
+    }
+}
+
+TEST_F(DefaultsCommandTest, ReadingTheDomainPrintsEveryKey)
+{
+    EXPECT_EQ(run({u"read"_s}).out, u"{}\n"_s);
+    run({u"write"_s, u"Custom Dates"_s, u"-array"_s, u"%Y"_s, u"Day"_s});
+    run({u"write"_s, u"IncludeTitleIcon"_s, u"-bool"_s, u"no"_s});
+    run({u"write"_s, u"LastTitleDisplayName"_s, u"-string"_s, u"Medium \"Date\""_s});
+    run({u"write"_s, u"count"_s, u"-int"_s, u"3"_s});
+    run({u"write"_s, u"when"_s, u"-date"_s, u"2006-03-10T19:31:47Z"_s});
+    const Result read = run({u"read"_s});
+    EXPECT_EQ(read.status, 0);
+    EXPECT_EQ(read.out, u"{\n"
+                        "    \"Custom Dates\" = (\n"
+                        "        \"%Y\",\n"
+                        "        Day\n"
+                        "    );\n"
+                        "    IncludeTitleIcon = 0;\n"
+                        "    LastTitleDisplayName = \"Medium \\\"Date\\\"\";\n"
+                        "    count = 3;\n"
+                        "    when = 2006-03-10T19:31:47Z;\n"
+                        "}\n"_s);
+}
+
+TEST_F(DefaultsCommandTest, DeleteRemovesOnlyItsKey)
+{
+    run({u"write"_s, u"a"_s, u"-int"_s, u"1"_s});
+    run({u"write"_s, u"b"_s, u"-int"_s, u"2"_s});
+    EXPECT_EQ(run({u"delete"_s, u"a"_s}).status, 0);
+    EXPECT_FALSE(stored(u"a"_s).isValid());
+    EXPECT_EQ(stored(u"b"_s), QVariant(qlonglong(2)));
+    EXPECT_EQ(run({u"read"_s, u"a"_s}).status, 2);
+}
+
+TEST_F(DefaultsCommandTest, BadInputSaysWhatIsWrongInOneLineAndChangesNothing)
+{
+    ASSERT_EQ(run({u"write"_s, u"k"_s, u"-string"_s, u"kept"_s}).status, 0);
+    const QString path = DefaultPreferencesStorePath();
+    const QByteArray before = ReadFileBytes(path);
+
+    const struct
+    {
+        QStringList args;
+        QString problem;
+    } cases[] = {
+        {{}, u"missing command"_s},
+        {{u"frobnicate"_s}, u"unknown command 'frobnicate'"_s},
+        {{u"read"_s, u"a"_s, u"b"_s}, u"at most one key"_s},
+        {{u"read"_s, u"missing"_s}, u"'missing' does not exist"_s},
+        {{u"write"_s}, u"needs a key"_s},
+        {{u"write"_s, u"k"_s}, u"needs a key"_s},
+        {{u"write"_s, u"k"_s, u"-int"_s}, u"-int needs a value"_s},
+        {{u"write"_s, u"k"_s, u"-color"_s, u"red"_s}, u"unknown type flag '-color'"_s},
+        {{u"write"_s, u"k"_s, u"red"_s}, u"expected a type flag"_s},
+        {{u"write"_s, u"k"_s, u"-int"_s, u"12x"_s}, u"'12x' is not an integer"_s},
+        {{u"write"_s, u"k"_s, u"-int"_s, u"9223372036854775808"_s}, u"is not an integer"_s},
+        {{u"write"_s, u"k"_s, u"-float"_s, u"abc"_s}, u"'abc' is not a number"_s},
+        {{u"write"_s, u"k"_s, u"-float"_s, u"inf"_s}, u"'inf' is not a number"_s},
+        {{u"write"_s, u"k"_s, u"-bool"_s, u"maybe"_s}, u"'maybe' is not a boolean"_s},
+        {{u"write"_s, u"k"_s, u"-date"_s, u"yesterday"_s}, u"'yesterday' is not an ISO 8601"_s},
+        {{u"write"_s, u"k"_s, u"-date"_s, u"2006-13-01T00:00:00Z"_s}, u"not an ISO 8601"_s},
+        {{u"write"_s, u"k"_s, u"-string"_s, u"a"_s, u"b"_s}, u"-string takes one value"_s},
+        {{u"write"_s, QString(), u"-string"_s, u"a"_s}, u"must not be empty"_s},
+        {{u"delete"_s}, u"delete needs a key"_s},
+        {{u"delete"_s, u"k"_s, u"j"_s}, u"delete takes one key"_s},
+        {{u"delete"_s, u"missing"_s}, u"'missing' does not exist"_s},
+    };
+    for (const auto &c : cases) {
+        const Result result = run(c.args);
+        const QString what = c.args.join(u' ');
+        EXPECT_EQ(result.status, 2) << qPrintable(what);
+        EXPECT_TRUE(result.out.isEmpty()) << qPrintable(what);
+        EXPECT_TRUE(result.err.startsWith(u"horalo defaults: "_s)) << qPrintable(result.err);
+        EXPECT_TRUE(result.err.contains(c.problem)) << qPrintable(result.err);
+        EXPECT_EQ(result.err.count(u'\n'), 1) << qPrintable(result.err);
+        EXPECT_TRUE(result.err.endsWith(u'\n'));
+    }
+    EXPECT_EQ(ReadFileBytes(path), before);
+}
+
+// Keeps what is posted, in order.
+class PostRecorder final : public DistributedNotificationCenter
+{
+public:
+    void addObserver(void *, NotificationCallback, const QString &, const QString &,
+                     SuspensionBehavior) override
+    {}
+    void postNotification(const QString &name, const QString &object, const QVariantMap &,
+                          bool deliverImmediately) override
+    {
+        posts.append(name + u'/' + object + (deliverImmediately ? u"/now"_s : u"/later"_s));
+    }
+
+    QStringList posts;
+};
+
+TEST_F(DefaultsCommandTest, EachChangeIsAnnouncedOnceAndNothingElseIs)
+{
+    PlistPreferencesStore store(DefaultPreferencesStorePath());
+    PostRecorder center;
+    QString ignored;
+    QTextStream out(&ignored);
+    QTextStream err(&ignored);
+    const auto runOn = [&](const QStringList &args) {
+        return RunDefaultsCommandOn(store, &center, args, out, err);
+    };
+    const QString announced = u"Preferences Changed/org.horalo.Horalo/now"_s;
+
+    EXPECT_EQ(runOn({u"write"_s, u"k"_s, u"-int"_s, u"1"_s}), 0);
+    EXPECT_EQ(center.posts, QStringList{announced});
+    EXPECT_EQ(runOn({u"read"_s, u"k"_s}), 0);
+    EXPECT_EQ(runOn({u"read"_s}), 0);
+    EXPECT_EQ(runOn({u"write"_s, u"k"_s, u"-int"_s, u"x"_s}), 2);
+    EXPECT_EQ(runOn({u"delete"_s, u"missing"_s}), 2);
+    EXPECT_EQ(center.posts.size(), 1);
+    EXPECT_EQ(runOn({u"delete"_s, u"k"_s}), 0);
+    EXPECT_EQ(center.posts, QStringList(2, announced));
+}
+
+} // namespace
