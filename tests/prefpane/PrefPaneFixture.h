@@ -1,0 +1,82 @@
+#pragma once
+
+// The preferences controller on the in-memory platform, with in-memory controls laid out as the
+// desktop window lays them out.
+
+#include "QtPrinters.h"
+#include "app/settings/Settings.h"
+#include "platform/memory/InMemoryPlatform.h"
+#include "prefpane/HoraloPrefPane.h"
+#include "prefpane/InMemoryPrefPaneControls.h"
+
+#include <gtest/gtest.h>
+
+#include <memory>
+
+// 2006-03-10 14:31:47 in New York (19:31:47 GMT), a Friday.
+inline constexpr AbsoluteTime kFixedInstant = 163711907.0;
+
+// Counts the "Preferences Changed" broadcasts that reach an observer of that name and object.
+struct BroadcastCounter
+{
+    int count = 0;
+
+    static void Callback(DistributedNotificationCenter *, void *observer, const QString &,
+                         const QString &, const QVariantMap &)
+    {
+        ++static_cast<BroadcastCounter *>(observer)->count;
+    }
+};
+
+class PrefPaneTest : public ::testing::Test
+{
+protected:
+    PrefPaneTest()
+    {
+        memory.application.infoDictionary.insert(QStringLiteral("CFBundleName"),
+                                                 QStringLiteral("Horalo"));
+        memory.application.infoDictionary.insert(QStringLiteral("CFBundleShortVersionString"),
+                                                 QStringLiteral("2.0"));
+        memory.distributedCenter.addObserver(&broadcasts, &BroadcastCounter::Callback,
+                                             PreferencesChangedNotification, AppIdentifier,
+                                             SuspensionBehavior::DeliverImmediately);
+    }
+
+    // Loads the layout: the controller is made, wired and woken.
+    void awake()
+    {
+        pane = std::make_unique<HoraloPrefPane>(platform, controls.outlets());
+        controls.connectActions(*pane);
+        pane->awakeFromNib();
+        memory.ownStore.log.clear();
+    }
+
+    QVariant stored(const QString &key) { return memory.store.copyAppValue(key, AppIdentifier); }
+    void put(const QString &key, const QVariant &value)
+    {
+        memory.store.setAppValue(key, value, AppIdentifier);
+    }
+    void putFormats(const QStringList &formats)
+    {
+        QVariantList list;
+        for (const QString &format : formats)
+            list.append(format);
+        put(SettingsKey::CustomDates, list);
+    }
+    QStringList storedFormats() { return CustomDatesFromValue(stored(SettingsKey::CustomDates)); }
+    QStringList &storeLog() { return memory.ownStore.log; }
+    // Broadcasts that were posted and have reached the observer.
+    int deliveredBroadcasts()
+    {
+        memory.processEvents();
+        return broadcasts.count;
+    }
+    InMemoryTableView &table() { return controls.customDatesTable; }
+
+    InMemoryPlatform memory{kFixedInstant};
+    Platform platform = memory.platform();
+    BroadcastCounter broadcasts;
+    InMemoryWindow preferencesWindow{memory.windowCenter};
+    InMemoryPrefPaneControls controls{&preferencesWindow};
+    std::unique_ptr<HoraloPrefPane> pane;
+};
