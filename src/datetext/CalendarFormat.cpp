@@ -22,6 +22,7 @@
 #include "datetext/ProlepticGregorian.h"
 
 #include <QStringList>
+#include <QVarLengthArray>
 #include <QVariantList>
 
 #include <array>
@@ -63,127 +64,177 @@ struct LocalFields
 LocalFields ComputeFields(qint64 unixMilliseconds, qint32 offsetSeconds)
 {
     using namespace ProlepticGregorian;
+    // Days before each month in a common year.
+    constexpr int kDaysBefore[12] = {0, 31, 59, 90, 120, 151, 181, 212, 243, 273, 304, 334};
     const qint64 local = unixMilliseconds + qint64(offsetSeconds) * 1000;
     const qint64 days = FloorDivide(local, 86400000);
-    const qint64 msOfDay = local - days * 86400000;
+    const auto msOfDay = static_cast<qint32>(local - days * 86400000); // fits: under a day
     const CivilDate date = CivilFromDays(days);
     LocalFields fields;
     fields.year = date.year;
     fields.month = date.month;
     fields.day = date.day;
-    fields.hour = static_cast<int>(msOfDay / 3600000);
-    fields.minute = static_cast<int>(msOfDay / 60000 % 60);
-    fields.second = static_cast<int>(msOfDay / 1000 % 60);
-    fields.millisecond = static_cast<int>(msOfDay % 1000);
-    fields.dayOfYear = static_cast<int>(days - DaysFromCivil(date.year, 1, 1) + 1);
+    fields.hour = msOfDay / 3600000;
+    fields.minute = msOfDay / 60000 % 60;
+    fields.second = msOfDay / 1000 % 60;
+    fields.millisecond = msOfDay % 1000;
+    fields.dayOfYear =
+        kDaysBefore[date.month - 1] + date.day + (date.month > 2 && IsLeapYear(date.year) ? 1 : 0);
     fields.weekday = WeekdayFromDays(days);
     fields.offsetSeconds = offsetSeconds;
     return fields;
 }
 
-void AppendNumber(QString &out, qint64 value, int minDigits)
+// The text being rendered: built in place, then copied into a QString once, since a rendering is
+// mostly short appends of one or two characters.
+using Sink = QVarLengthArray<char16_t, 256>;
+
+void Append(Sink &out, QStringView text)
 {
-    char digits[24];
+    out.append(reinterpret_cast<const char16_t *>(text.utf16()), text.size());
+}
+
+// Never null, even when empty: an empty rendering is still a rendering.
+QString ToQString(const Sink &text)
+{
+    if (text.isEmpty())
+        return QString(u""_s);
+    return QString(reinterpret_cast<const QChar *>(text.constData()), text.size());
+}
+
+void AppendNumber(Sink &out, qint64 value, int minDigits)
+{
+    if (value >= 0 && value < 100 && minDigits <= 2) {
+        if (value >= 10 || minDigits == 2)
+            out.append(static_cast<char16_t>(u'0' + value / 10));
+        out.append(static_cast<char16_t>(u'0' + value % 10));
+        return;
+    }
+    if (value >= 1000 && value < 10000 && minDigits <= 4) {
+        const auto v = static_cast<int>(value);
+        const char16_t text[4] = {
+            static_cast<char16_t>(u'0' + v / 1000), static_cast<char16_t>(u'0' + v / 100 % 10),
+            static_cast<char16_t>(u'0' + v / 10 % 10), static_cast<char16_t>(u'0' + v % 10)};
+        out.append(text, 4);
+        return;
+    }
+    char16_t digits[24];
     int count = 0;
     // Work on the negative side so that the smallest 64-bit value has a magnitude too.
     qint64 rest = value < 0 ? value : -value;
     do {
-        digits[count++] = static_cast<char>('0' - rest % 10);
+        digits[count++] = static_cast<char16_t>(u'0' - rest % 10);
         rest /= 10;
     } while (rest != 0);
-    char text[48];
-    int length = 0;
     if (value < 0)
-        text[length++] = '-';
-    for (int pad = count; pad < minDigits && length < 40; ++pad)
-        text[length++] = '0';
+        out.append(u'-');
+    for (int pad = count; pad < minDigits; ++pad)
+        out.append(u'0');
     while (count > 0)
-        text[length++] = digits[--count];
-    out.append(QLatin1StringView(text, length));
+        out.append(digits[--count]);
 }
 
-void AppendOffset(QString &out, qint32 offsetSeconds)
+void AppendOffset(Sink &out, qint32 offsetSeconds)
 {
     const qint32 magnitude = offsetSeconds < 0 ? -offsetSeconds : offsetSeconds;
     // Seconds of an offset (local mean time before standard zones) are dropped, as ±HHMM has no
     // place for them.
-    const char text[5] = {offsetSeconds < 0 ? '-' : '+', static_cast<char>('0' + magnitude / 36000),
-                          static_cast<char>('0' + magnitude / 3600 % 10),
-                          static_cast<char>('0' + magnitude / 600 % 6),
-                          static_cast<char>('0' + magnitude / 60 % 10)};
-    out.append(QLatin1StringView(text, 5));
+    const char16_t text[5] = {offsetSeconds < 0 ? u'-' : u'+',
+                              static_cast<char16_t>(u'0' + magnitude / 36000),
+                              static_cast<char16_t>(u'0' + magnitude / 3600 % 10),
+                              static_cast<char16_t>(u'0' + magnitude / 600 % 6),
+                              static_cast<char16_t>(u'0' + magnitude / 60 % 10)};
+    out.append(text, 5);
 }
 
-// Names taken from the locale dictionary when it holds a list of the right length of strings,
-// English otherwise. Looked up only when a conversion needs them.
-class NameSource
+// A locale dictionary's names and patterns, checked once: a list is used when it holds strings
+// and has the right length, a pattern when it is a string; anything else falls back to English.
+struct ResolvedLocale
 {
-public:
-    explicit NameSource(const QVariantMap *locale) : m_locale(locale) {}
-
-    template <size_t N>
-    QStringView name(const QString &key, const std::array<QStringView, N> &english,
-                     std::optional<QStringList> &resolved, int index) const
-    {
-        if (!resolved)
-            resolved = namesFromLocale(key, static_cast<qsizetype>(N));
-        if (resolved->size() == static_cast<qsizetype>(N))
-            return resolved->at(index);
-        return english[static_cast<size_t>(index)];
-    }
-
-    QString pattern(const QString &key, QStringView english) const
-    {
-        if (m_locale) {
-            const auto it = m_locale->constFind(key);
-            if (it != m_locale->cend() && it->typeId() == QMetaType::QString)
-                return it->toString();
-        }
-        return english.toString();
-    }
-
-private:
-    QStringList namesFromLocale(const QString &key, qsizetype count) const
-    {
-        if (!m_locale)
-            return {};
-        const auto it = m_locale->constFind(key);
-        if (it == m_locale->cend())
-            return {};
-        if (it->typeId() == QMetaType::QStringList) {
-            QStringList names = it->toStringList();
-            return names.size() == count ? names : QStringList();
-        }
-        if (it->typeId() == QMetaType::QVariantList) {
-            const QVariantList values = it->toList();
-            if (values.size() != count)
-                return {};
-            QStringList names;
-            for (const QVariant &value : values) {
-                if (value.typeId() != QMetaType::QString)
-                    return {};
-                names.append(value.toString());
-            }
-            return names;
-        }
-        return {};
-    }
-
-    const QVariantMap *m_locale;
+    QStringList months, shortMonths, weekdays, shortWeekdays, amPm; // empty: English
+    QString dateTimeFormat, dateFormat, timeFormat;                 // null: English
 };
+
+QStringList NamesFromDictionary(const QVariantMap &dictionary, const QString &key, qsizetype count)
+{
+    const auto it = dictionary.constFind(key);
+    if (it == dictionary.cend())
+        return {};
+    QStringList names;
+    if (it->typeId() == QMetaType::QStringList) {
+        names = it->toStringList();
+    } else if (it->typeId() == QMetaType::QVariantList) {
+        const QVariantList values = it->toList();
+        for (const QVariant &value : values) {
+            if (value.typeId() != QMetaType::QString)
+                return {};
+            names.append(value.toString());
+        }
+    }
+    return names.size() == count ? names : QStringList();
+}
+
+QString PatternFromDictionary(const QVariantMap &dictionary, const QString &key)
+{
+    const auto it = dictionary.constFind(key);
+    if (it == dictionary.cend() || it->typeId() != QMetaType::QString)
+        return {};
+    return it->toString();
+}
+
+ResolvedLocale ResolveDictionary(const QVariantMap &dictionary)
+{
+    ResolvedLocale locale;
+    locale.months = NamesFromDictionary(dictionary, u"NSMonthNameArray"_s, 12);
+    locale.shortMonths = NamesFromDictionary(dictionary, u"NSShortMonthNameArray"_s, 12);
+    locale.weekdays = NamesFromDictionary(dictionary, u"NSWeekDayNameArray"_s, 7);
+    locale.shortWeekdays = NamesFromDictionary(dictionary, u"NSShortWeekDayNameArray"_s, 7);
+    locale.amPm = NamesFromDictionary(dictionary, u"NSAMPMDesignation"_s, 2);
+    locale.dateTimeFormat = PatternFromDictionary(dictionary, u"NSTimeDateFormatString"_s);
+    locale.dateFormat = PatternFromDictionary(dictionary, u"NSDateFormatString"_s);
+    locale.timeFormat = PatternFromDictionary(dictionary, u"NSTimeFormatString"_s);
+    return locale;
+}
+
+// The dictionary's entries, checked again only when it is another dictionary. A QVariantMap
+// shares its data with its copies until one of them changes, and the copy kept here keeps that
+// data alive; so a dictionary that still shares its data with the kept copy holds exactly the
+// entries resolved last. This is what lets the snapshot, which never changes, render custom
+// formats as fast as strftime with its loaded locale. The locale and zone themselves are still
+// found afresh for every calendar date.
+const ResolvedLocale &ResolvedLocaleFor(const QVariantMap *dictionary)
+{
+    static const ResolvedLocale kEnglish;
+    if (!dictionary)
+        return kEnglish;
+    thread_local std::optional<QVariantMap> resolvedDictionary;
+    thread_local ResolvedLocale resolved;
+    if (!resolvedDictionary || !dictionary->isSharedWith(*resolvedDictionary)) {
+        resolved = ResolveDictionary(*dictionary);
+        resolvedDictionary = *dictionary;
+    }
+    return resolved;
+}
+
+template <size_t N>
+QStringView Name(const QStringList &names, const std::array<QStringView, N> &english, int index)
+{
+    if (names.isEmpty())
+        return english[static_cast<size_t>(index)];
+    return names.at(index);
+}
 
 struct RenderContext
 {
     const LocalFields &fields;
     const CalendarDate &date;
-    NameSource names;
-    std::optional<QStringList> months, shortMonths, weekdays, shortWeekdays, amPm;
+    const ResolvedLocale &locale;
 };
 
-void Render(RenderContext &context, QStringView format, QString &out, bool expandComposites);
+void Render(RenderContext &context, QStringView format, Sink &out, bool expandComposites);
 
 // One conversion; false when `conversion` is not one, and the text stays as written.
-bool RenderConversion(RenderContext &context, char16_t conversion, int width, QString &out,
+bool RenderConversion(RenderContext &context, char16_t conversion, int width, Sink &out,
                       bool expandComposites)
 {
     const LocalFields &f = context.fields;
@@ -192,39 +243,37 @@ bool RenderConversion(RenderContext &context, char16_t conversion, int width, QS
     };
     switch (conversion) {
     case u'%':
-        out.append(QLatin1Char('%'));
+        out.append(u'%');
         return true;
     case u'a':
-        out.append(context.names.name(u"NSShortWeekDayNameArray"_s, kEnglishShortWeekdays,
-                                      context.shortWeekdays, f.weekday));
+        Append(out, Name(context.locale.shortWeekdays, kEnglishShortWeekdays, f.weekday));
         return true;
     case u'A':
-        out.append(context.names.name(u"NSWeekDayNameArray"_s, kEnglishWeekdays, context.weekdays,
-                                      f.weekday));
+        Append(out, Name(context.locale.weekdays, kEnglishWeekdays, f.weekday));
         return true;
     case u'b':
-        out.append(context.names.name(u"NSShortMonthNameArray"_s, kEnglishShortMonths,
-                                      context.shortMonths, f.month - 1));
+        Append(out, Name(context.locale.shortMonths, kEnglishShortMonths, f.month - 1));
         return true;
     case u'B':
-        out.append(
-            context.names.name(u"NSMonthNameArray"_s, kEnglishMonths, context.months, f.month - 1));
+        Append(out, Name(context.locale.months, kEnglishMonths, f.month - 1));
         return true;
     case u'p':
-        out.append(context.names.name(u"NSAMPMDesignation"_s, kEnglishAmPm, context.amPm,
-                                      f.hour < 12 ? 0 : 1));
+        Append(out, Name(context.locale.amPm, kEnglishAmPm, f.hour < 12 ? 0 : 1));
         return true;
     case u'c':
     case u'x':
     case u'X': {
         if (!expandComposites)
             return false;
-        const QString pattern =
+        const ResolvedLocale &locale = context.locale;
+        const QStringView pattern =
             conversion == u'c'
-                ? context.names.pattern(u"NSTimeDateFormatString"_s, kEnglishDateTimeFormat)
+                ? (locale.dateTimeFormat.isNull() ? kEnglishDateTimeFormat
+                                                  : QStringView(locale.dateTimeFormat))
             : conversion == u'x'
-                ? context.names.pattern(u"NSDateFormatString"_s, kEnglishDateFormat)
-                : context.names.pattern(u"NSTimeFormatString"_s, kEnglishTimeFormat);
+                ? (locale.dateFormat.isNull() ? kEnglishDateFormat : QStringView(locale.dateFormat))
+                : (locale.timeFormat.isNull() ? kEnglishTimeFormat
+                                              : QStringView(locale.timeFormat));
         Render(context, pattern, out, false);
         return true;
     }
@@ -276,14 +325,14 @@ bool RenderConversion(RenderContext &context, char16_t conversion, int width, QS
         return true;
     case u'Z': {
         if (!context.date.timeZone.isValid()) {
-            out.append(u"GMT");
+            Append(out, u"GMT");
             return true;
         }
         const QDateTime at = QDateTime::fromMSecsSinceEpoch(
             UnixMillisecondsFromAbsoluteTime(context.date.absoluteTime).value_or(0), Qt::UTC);
         const QString abbreviation = context.date.timeZone.abbreviation(at);
-        out.append(abbreviation.isEmpty() ? QString::fromLatin1(context.date.timeZone.id())
-                                          : abbreviation);
+        Append(out, abbreviation.isEmpty() ? QString::fromLatin1(context.date.timeZone.id())
+                                           : abbreviation);
         return true;
     }
     default:
@@ -291,7 +340,7 @@ bool RenderConversion(RenderContext &context, char16_t conversion, int width, QS
     }
 }
 
-void Render(RenderContext &context, QStringView format, QString &out, bool expandComposites)
+void Render(RenderContext &context, QStringView format, Sink &out, bool expandComposites)
 {
     const qsizetype size = format.size();
     qsizetype literalStart = 0;
@@ -301,7 +350,7 @@ void Render(RenderContext &context, QStringView format, QString &out, bool expan
             ++i;
             continue;
         }
-        out.append(format.sliced(literalStart, i - literalStart));
+        Append(out, format.sliced(literalStart, i - literalStart));
         const qsizetype conversionStart = i++;
         int width = 0;
         if (i < size && format[i] >= u'0' && format[i] <= u'9')
@@ -310,12 +359,12 @@ void Render(RenderContext &context, QStringView format, QString &out, bool expan
             RenderConversion(context, format[i].unicode(), width, out, expandComposites))
             ++i;
         else if (i < size)
-            out.append(format.sliced(conversionStart, ++i - conversionStart));
+            Append(out, format.sliced(conversionStart, ++i - conversionStart));
         else
-            out.append(format.sliced(conversionStart));
+            Append(out, format.sliced(conversionStart));
         literalStart = i;
     }
-    out.append(format.sliced(literalStart));
+    Append(out, format.sliced(literalStart));
 }
 
 std::optional<qint32> OffsetAt(const CalendarDate &date, qint64 unixMilliseconds)
@@ -366,11 +415,10 @@ QString DescriptionWithCalendarFormat(const CalendarDate &date, const QString &f
     if (!offset)
         return {};
     const LocalFields fields = ComputeFields(*ms, *offset);
-    RenderContext context{fields, date, NameSource(locale), {}, {}, {}, {}, {}};
-    QString out(u""_s);
-    out.reserve(format.size() + 32);
+    RenderContext context{fields, date, ResolvedLocaleFor(locale)};
+    Sink out;
     Render(context, format, out, true);
-    return out;
+    return ToQString(out);
 }
 
 QString MakeFormattedDateString(const std::optional<CalendarDate> &date, const QString &format)
@@ -388,20 +436,19 @@ QString DefaultDescription(AbsoluteTime instant)
     if (!ms)
         return {};
     const LocalFields f = ComputeFields(*ms, IcuOffsetFromUtc(*CurrentIcuTimeZone(), *ms));
-    QString out;
-    out.reserve(26);
+    Sink out;
     AppendNumber(out, f.year, 4);
-    out.append(QLatin1Char('-'));
+    out.append(u'-');
     AppendNumber(out, f.month, 2);
-    out.append(QLatin1Char('-'));
+    out.append(u'-');
     AppendNumber(out, f.day, 2);
-    out.append(QLatin1Char(' '));
+    out.append(u' ');
     AppendNumber(out, f.hour, 2);
-    out.append(QLatin1Char(':'));
+    out.append(u':');
     AppendNumber(out, f.minute, 2);
-    out.append(QLatin1Char(':'));
+    out.append(u':');
     AppendNumber(out, f.second, 2);
-    out.append(QLatin1Char(' '));
+    out.append(u' ');
     AppendOffset(out, f.offsetSeconds);
-    return out;
+    return ToQString(out);
 }

@@ -80,6 +80,21 @@ TEST_F(LocaleDictionaryTest, AMalformedEntryFallsBackToEnglishForThatKeyOnly)
               u"Fri|Friday|c|March|nachm.|3/10/2006|14.31"_s);
 }
 
+TEST_F(LocaleDictionaryTest, AChangedDictionaryIsReadAgainAtTheNextRendering)
+{
+    QVariantMap dictionary = registrationFor("de_DE.UTF-8");
+    EXPECT_EQ(render(u"%A"_s, &dictionary), u"Freitag"_s);
+    dictionary.insert(u"NSWeekDayNameArray"_s,
+                      QStringList({u"1"_s, u"2"_s, u"3"_s, u"4"_s, u"5"_s, u"6"_s, u"7"_s}));
+    EXPECT_EQ(render(u"%A"_s, &dictionary), u"6"_s);
+    QVariantMap other = registrationFor("ja_JP.UTF-8");
+    EXPECT_EQ(render(u"%A"_s, &other), u"金曜日"_s);
+    EXPECT_EQ(render(u"%A"_s, &dictionary), u"6"_s);
+    dictionary.remove(u"NSWeekDayNameArray"_s);
+    EXPECT_EQ(render(u"%A"_s, &dictionary), u"Friday"_s);
+    EXPECT_EQ(render(u"%A"_s, nullptr), u"Friday"_s);
+}
+
 TEST_F(LocaleDictionaryTest, ARepresentationInsideARepresentationIsLeftAsWritten)
 {
     QVariantMap dictionary;
