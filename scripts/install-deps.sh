@@ -15,6 +15,8 @@ build_pkgs=(
 test_pkgs=(
   xvfb xauth xdotool xclip x11-utils imagemagick dbus dbus-x11 trayer
   fonts-dejavu-core locales tzdata
+  # A StatusNotifierItem host that draws the item's text label beside its icon.
+  xfce4-panel xfce4-indicator-plugin ayatana-indicator-application
 )
 
 want=("${build_pkgs[@]}")

@@ -4,6 +4,8 @@ void Menu::addItem(const MenuItem &item)
 {
     m_items.append(item);
     ++m_revision;
+    if (m_changeObserver)
+        m_changeObserver();
 }
 
 void Menu::removeItemAtIndex(int index)
@@ -12,6 +14,8 @@ void Menu::removeItemAtIndex(int index)
         return;
     m_items.removeAt(index);
     ++m_revision;
+    if (m_changeObserver)
+        m_changeObserver();
 }
 
 bool Menu::isItemEnabled(int index) const

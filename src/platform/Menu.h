@@ -73,6 +73,13 @@ public:
 
     // Counts changes, so a desktop exporter can tell a rebuilt menu from an unchanged one.
     quint64 revision() const { return m_revision; }
+    // Called after every change of the entries, so a desktop that exports the menu can announce
+    // a rebuild that happened outside its own opening (one announcement for the whole rebuild,
+    // which is the exporter's business). One observer at a time; an empty function for none.
+    void setChangeObserver(std::function<void()> observer)
+    {
+        m_changeObserver = std::move(observer);
+    }
 
 private:
     QList<MenuItem> m_items;
@@ -80,4 +87,5 @@ private:
     MenuTarget *m_target = nullptr;
     bool m_autoenablesItems = true;
     quint64 m_revision = 0;
+    std::function<void()> m_changeObserver;
 };

@@ -1,11 +1,13 @@
 #include "platform/qt/QtPlatform.h"
 
 #include "platform/Version.h"
+#include "platform/qt/sni/SniStatusItem.h"
 
 #include <QApplication>
 #include <QClipboard>
 #include <QCloseEvent>
 #include <QCursor>
+#include <QDBusConnectionInterface>
 #include <QFile>
 #include <QImageReader>
 #include <QKeyEvent>
@@ -77,29 +79,56 @@ QIcon LoadIconResource(const QString &imageName)
 
 // --- status item ---
 
-QtStatusItem::QtStatusItem() : m_qmenu(std::make_unique<QMenu>())
+void FillQMenu(QMenu &qmenu, Menu *menu)
+{
+    qmenu.clear();
+    if (!menu)
+        return;
+    for (int i = 0; i < menu->numberOfItems(); ++i) {
+        const MenuItem &item = menu->itemAtIndex(i);
+        if (item.separator) {
+            qmenu.addSeparator();
+            continue;
+        }
+        // An ampersand in a rendered date is text, not a mnemonic.
+        QString text = item.title;
+        text.replace(QLatin1Char('&'), QLatin1String("&&"));
+        QAction *action = qmenu.addAction(text);
+        action->setToolTip(item.toolTip);
+        action->setEnabled(menu->isItemEnabled(i));
+        action->setShortcut(QKeySequence(item.keyEquivalent));
+        const quint64 revision = menu->revision();
+        QObject::connect(action, &QAction::triggered, &qmenu, [menu, i, revision] {
+            // Only act on the menu the user saw; a rebuild in between makes the index stale.
+            if (menu->revision() == revision)
+                menu->activateItemAtIndex(i);
+        });
+    }
+}
+
+TrayStatusItem::TrayStatusItem() : m_qmenu(std::make_unique<QMenu>())
 {
     m_qmenu->setToolTipsVisible(true);
-    connect(m_qmenu.get(), &QMenu::aboutToShow, this, &QtStatusItem::aboutToShow);
-    connect(&m_tray, &QSystemTrayIcon::activated, this, &QtStatusItem::activated);
+    connect(m_qmenu.get(), &QMenu::aboutToShow, this, &TrayStatusItem::aboutToShow);
+    connect(&m_tray, &QSystemTrayIcon::activated, this, &TrayStatusItem::activated);
     m_tray.setContextMenu(m_qmenu.get());
     // The tray needs an icon to be shown at all; without one the menu could not be reached.
     m_tray.setIcon(LoadIconResource(QStringLiteral("Horalo.tif")));
     m_tray.show();
 }
 
-QtStatusItem::~QtStatusItem()
+TrayStatusItem::~TrayStatusItem()
 {
     m_tray.hide();
 }
 
-void QtStatusItem::setTitle(const QString &title)
+void TrayStatusItem::setTitle(const QString &title)
 {
     m_title = title;
     m_tray.setToolTip(title);
 }
 
-void QtStatusItem::setImage(const QString &imageName)
+void TrayStatusItem::setImage(const QString &imageName)
 {
     m_imageName = imageName;
     // A tray icon cannot be hidden without hiding the item, and it has no text to fall back on,
@@ -108,14 +137,14 @@ void QtStatusItem::setImage(const QString &imageName)
         m_tray.setIcon(LoadIconResource(imageName));
 }
 
-void QtStatusItem::aboutToShow()
+void TrayStatusItem::aboutToShow()
 {
     if (m_menu)
         m_menu->willOpen();
-    syncMenu();
+    FillQMenu(*m_qmenu, m_menu);
 }
 
-void QtStatusItem::activated(QSystemTrayIcon::ActivationReason reason)
+void TrayStatusItem::activated(QSystemTrayIcon::ActivationReason reason)
 {
     // XEmbed trays open the context menu on a right click only; a clock's menu should open on
     // any click.
@@ -123,37 +152,97 @@ void QtStatusItem::activated(QSystemTrayIcon::ActivationReason reason)
         m_qmenu->popup(QCursor::pos());
 }
 
-void QtStatusItem::syncMenu()
+QtStatusItem::QtStatusItem(const QDBusConnection &bus) : m_bus(bus)
 {
-    m_qmenu->clear();
-    if (!m_menu)
-        return;
-    for (int i = 0; i < m_menu->numberOfItems(); ++i) {
-        const MenuItem &item = m_menu->itemAtIndex(i);
-        if (item.separator) {
-            m_qmenu->addSeparator();
-            continue;
-        }
-        // An ampersand in a rendered date is text, not a mnemonic.
-        QString text = item.title;
-        text.replace(QLatin1Char('&'), QLatin1String("&&"));
-        QAction *action = m_qmenu->addAction(text);
-        action->setToolTip(item.toolTip);
-        action->setEnabled(m_menu->isItemEnabled(i));
-        action->setShortcut(QKeySequence(item.keyEquivalent));
-        Menu *menu = m_menu;
-        const quint64 revision = menu->revision();
-        connect(action, &QAction::triggered, this, [menu, i, revision] {
-            // Only act on the menu the user saw; a rebuild in between makes the index stale.
-            if (menu->revision() == revision)
-                menu->activateItemAtIndex(i);
-        });
+    if (m_bus.isConnected()) {
+        m_watcherWatcher.setConnection(m_bus);
+        m_watcherWatcher.setWatchMode(QDBusServiceWatcher::WatchForOwnerChange);
+        m_watcherWatcher.addWatchedService(SniStatusItem::watcherService());
+        connect(&m_watcherWatcher, &QDBusServiceWatcher::serviceOwnerChanged, this,
+                &QtStatusItem::watcherOwnerChanged);
     }
+    if (m_bus.isConnected() &&
+        m_bus.interface()->isServiceRegistered(SniStatusItem::watcherService()))
+        useStatusNotifierItem();
+    else
+        useTray();
 }
+
+QtStatusItem::~QtStatusItem() = default;
+
+StatusItem *QtStatusItem::backendItem() const
+{
+    if (m_sni)
+        return m_sni.get();
+    return m_tray.get();
+}
+
+void QtStatusItem::useTray()
+{
+    m_sni.reset();
+    m_tray = std::make_unique<TrayStatusItem>();
+    showStateOn(*m_tray);
+}
+
+void QtStatusItem::useStatusNotifierItem()
+{
+    // The tray icon goes before the item appears: never two icons.
+    m_tray.reset();
+    m_sni = std::make_unique<SniStatusItem>(m_bus);
+    // A watcher that refuses the item (or a name we could not take) leaves the tray icon as the
+    // way to reach the clock. Queued: the item is not destroyed inside its own signal.
+    connect(m_sni.get(), &SniStatusItem::registrationFailed, this, &QtStatusItem::useTray,
+            Qt::QueuedConnection);
+    showStateOn(*m_sni);
+    if (!m_sni->isExported())
+        useTray();
+}
+
+void QtStatusItem::watcherOwnerChanged(const QString &, const QString &, const QString &newOwner)
+{
+    // Our item registers itself again with a new watcher; only the tray icon has to give way.
+    if (!newOwner.isEmpty() && !m_sni)
+        useStatusNotifierItem();
+}
+
+void QtStatusItem::showStateOn(StatusItem &backend)
+{
+    backend.setHighlightMode(m_highlightMode);
+    backend.setMenu(m_menu);
+    backend.setImage(m_imageName);
+    if (!m_title.isNull())
+        backend.setTitle(m_title);
+}
+
+void QtStatusItem::setTitle(const QString &title)
+{
+    m_title = title;
+    backendItem()->setTitle(title);
+}
+
+void QtStatusItem::setImage(const QString &imageName)
+{
+    m_imageName = imageName;
+    backendItem()->setImage(imageName);
+}
+
+void QtStatusItem::setMenu(Menu *menu)
+{
+    m_menu = menu;
+    backendItem()->setMenu(menu);
+}
+
+void QtStatusItem::setHighlightMode(bool on)
+{
+    m_highlightMode = on;
+    backendItem()->setHighlightMode(on);
+}
+
+QtStatusBar::QtStatusBar(const QDBusConnection &bus) : m_bus(bus) {}
 
 StatusItem *QtStatusBar::statusItemWithLength(double)
 {
-    m_items.push_back(std::make_unique<QtStatusItem>());
+    m_items.push_back(std::make_unique<QtStatusItem>(m_bus));
     return m_items.back().get();
 }
 

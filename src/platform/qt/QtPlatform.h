@@ -1,11 +1,14 @@
 #pragma once
 
-// The real desktop: a tray icon with a QMenu, QClipboard, QTimer, and the chooser window.
+// The real desktop: a status item (our StatusNotifierItem or a tray icon), QClipboard, QTimer,
+// and the chooser window.
 
 #include "platform/Menu.h"
 #include "platform/Platform.h"
 
 #include <QCalendarWidget>
+#include <QDBusConnection>
+#include <QDBusServiceWatcher>
 #include <QDateTimeEdit>
 #include <QIcon>
 #include <QMenu>
@@ -17,6 +20,8 @@
 
 #include <memory>
 
+class SniStatusItem;
+
 class QtTimerScheduler final : public TimerScheduler
 {
 public:
@@ -26,14 +31,18 @@ public:
 // Loads the icon resource of a name as every size it holds (each page of a TIFF, say).
 QIcon LoadIconResource(const QString &imageName);
 
-// The status item on an XEmbed or StatusNotifierItem tray through QSystemTrayIcon. The tray
-// protocol has no text, so the title is shown as the tool tip.
-class QtStatusItem final : public QObject, public StatusItem
+// Fills a QMenu with the entries of our menu model. Choosing one runs its action, unless the
+// model has been rebuilt since the QMenu was filled.
+void FillQMenu(QMenu &qmenu, Menu *menu);
+
+// The status item on an XEmbed tray through QSystemTrayIcon. The tray protocol has no text, so
+// the title is shown as the tool tip.
+class TrayStatusItem final : public QObject, public StatusItem
 {
     Q_OBJECT
 public:
-    QtStatusItem();
-    ~QtStatusItem() override;
+    TrayStatusItem();
+    ~TrayStatusItem() override;
 
     void setTitle(const QString &title) override;
     QString title() const override { return m_title; }
@@ -48,7 +57,6 @@ public:
 
 private:
     void aboutToShow();
-    void syncMenu();
     void activated(QSystemTrayIcon::ActivationReason reason);
 
     QSystemTrayIcon m_tray;
@@ -58,12 +66,61 @@ private:
     QString m_imageName;
 };
 
+// The status item the logic holds for the whole run. It shows itself through our own
+// StatusNotifierItem (the title as a text label, the menu over D-Bus) when a watcher owns its
+// name on the session bus, and through QSystemTrayIcon otherwise. A watcher that appears later
+// (a panel started or restarted) takes the item over from the tray icon; there is never more
+// than one of the two.
+class QtStatusItem final : public QObject, public StatusItem
+{
+    Q_OBJECT
+public:
+    enum class Backend
+    {
+        Tray,
+        StatusNotifierItem
+    };
+
+    explicit QtStatusItem(const QDBusConnection &bus);
+    ~QtStatusItem() override;
+
+    void setTitle(const QString &title) override;
+    QString title() const override { return m_title; }
+    void setImage(const QString &imageName) override;
+    QString image() const override { return m_imageName; }
+    void setMenu(Menu *menu) override;
+    Menu *menu() const override { return m_menu; }
+    void setHighlightMode(bool on) override;
+
+    Backend backend() const { return m_sni ? Backend::StatusNotifierItem : Backend::Tray; }
+    // The backend in use: a TrayStatusItem or an SniStatusItem.
+    StatusItem *backendItem() const;
+
+private:
+    void useTray();
+    void useStatusNotifierItem();
+    void watcherOwnerChanged(const QString &service, const QString &oldOwner,
+                             const QString &newOwner);
+    void showStateOn(StatusItem &backend);
+
+    QDBusConnection m_bus;
+    QDBusServiceWatcher m_watcherWatcher;
+    std::unique_ptr<TrayStatusItem> m_tray;
+    std::unique_ptr<SniStatusItem> m_sni;
+    Menu *m_menu = nullptr;
+    QString m_title;
+    QString m_imageName;
+    bool m_highlightMode = false;
+};
+
 class QtStatusBar final : public StatusBar
 {
 public:
+    explicit QtStatusBar(const QDBusConnection &bus = QDBusConnection::sessionBus());
     StatusItem *statusItemWithLength(double length) override;
 
 private:
+    QDBusConnection m_bus;
     std::vector<std::unique_ptr<QtStatusItem>> m_items;
 };
 
