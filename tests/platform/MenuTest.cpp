@@ -73,17 +73,6 @@ TEST_F(MenuTest, OnlyEnabledEntriesRunTheirAction)
     EXPECT_EQ(m_target.performed, QStringList{u"shortDate:"_s});
 }
 
-TEST_F(MenuTest, RevisionCountsRealChangesOnly)
-{
-    const quint64 before = m_menu.revision();
-    m_menu.removeItemAtIndex(7);
-    EXPECT_EQ(m_menu.revision(), before);
-    m_menu.removeItemAtIndex(0);
-    EXPECT_EQ(m_menu.revision(), before + 1);
-    EXPECT_EQ(m_menu.numberOfItems(), 3);
-    EXPECT_EQ(m_menu.itemAtIndex(0).title, u"It is now: noon"_s);
-}
-
 TEST_F(MenuTest, WillOpenAsksTheDelegateToRebuild)
 {
     struct Rebuilder final : MenuDelegate

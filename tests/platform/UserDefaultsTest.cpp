@@ -25,10 +25,8 @@ protected:
     QString m_path = m_dir.path() + QStringLiteral("/defaults.plist");
     PlistPreferencesStore m_writer{m_path};
     PlistPreferencesStore m_reader{m_path};
-    int m_registrationCalls = 0;
     UserDefaults m_defaults{
-        m_reader, AppIdentifier, [this] {
-            ++m_registrationCalls;
+        m_reader, AppIdentifier, [] {
             return QVariantMap{{u"AppleLocale"_s, u"en_US"_s}, {u"menuTitleFormatter"_s, u"%H"_s}};
         }};
 };
@@ -57,16 +55,6 @@ TEST_F(UserDefaultsTest, StringForKeyGivesNullForOtherTypes)
     EXPECT_TRUE(m_defaults.stringForKey(u"number"_s).isNull());
     EXPECT_TRUE(m_defaults.stringForKey(u"missing"_s).isNull());
     EXPECT_EQ(m_defaults.stringForKey(u"AppleLocale"_s), u"en_US"_s);
-}
-
-TEST_F(UserDefaultsTest, RegistrationIsAskedAfreshAndCanBeReplaced)
-{
-    m_defaults.objectForKey(u"missing"_s);
-    m_defaults.objectForKey(u"missing"_s);
-    EXPECT_EQ(m_registrationCalls, 2);
-    m_defaults.setRegistrationProvider({});
-    EXPECT_FALSE(m_defaults.objectForKey(u"AppleLocale"_s).isValid());
-    EXPECT_TRUE(m_defaults.dictionaryRepresentation().isEmpty());
 }
 
 } // namespace
