@@ -24,7 +24,10 @@ CustomDatesTableView::CustomDatesTableView(QWidget *parent)
     setAlternatingRowColors(true);
     setWordWrap(false);
     verticalHeader()->hide();
-    horizontalHeader()->setSectionResizeMode(QHeaderView::Stretch);
+    // The format keeps the width the user gives it; the preview takes the rest.
+    horizontalHeader()->setSectionResizeMode(QHeaderView::Interactive);
+    horizontalHeader()->setStretchLastSection(true);
+    horizontalHeader()->setDefaultSectionSize(220);
     horizontalHeader()->setHighlightSections(false);
 
     connect(selectionModel(), &QItemSelectionModel::selectionChanged, this,

@@ -14,6 +14,7 @@
 #include <QLineEdit>
 #include <QListWidget>
 #include <QPushButton>
+#include <QScrollBar>
 #include <QShortcut>
 #include <QVBoxLayout>
 
@@ -93,7 +94,11 @@ PreferencesWindow::PreferencesWindow(LocalWindowNotificationCenter &windowCenter
         auto *item = new QListWidgetItem(symbol.title(), m_formatSymbolList);
         item->setToolTip(tr("Click to copy %1 to the clipboard").arg(symbol.symbol));
     }
-    m_formatSymbolList->setMinimumWidth(220);
+    // Wide enough to read every description without scrolling sideways.
+    m_formatSymbolList->setMinimumWidth(
+        m_formatSymbolList->sizeHintForColumn(0) + 2 * m_formatSymbolList->frameWidth() +
+        m_formatSymbolList->verticalScrollBar()->sizeHint().width());
+    m_formatSymbolList->setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
     m_formatCharacterEdit->setReadOnly(true);
     m_formatCharacterEdit->setMaximumWidth(60);
     auto *symbolLabel = new QLabel(tr("&Symbols (click to copy):"), this);
