@@ -20,6 +20,9 @@ AbsoluteTime WorkingInstant(const Clock &clock)
 }
 
 namespace {
+// 1583-01-01 00:00 GMT, with a day to spare for any zone: after it both calendars agree.
+constexpr qint64 kLastJulianYearEndMilliseconds = -12212553600000LL + 86400000LL;
+
 std::optional<icu::DateFormat::EStyle> IcuStyle(DateFormatterStyle style)
 {
     switch (style) {
@@ -63,18 +66,21 @@ QString StyledDateTimeString(AbsoluteTime instant, DateFormatterStyle dateStyle,
     if (!formatter)
         return {};
 
-    std::unique_ptr<icu::Calendar> calendar(formatter->getCalendar()->clone());
-    if (!calendar)
-        return {};
-    // ICU's Gregorian calendar switches to the Julian one before October 1582; every other text
-    // here (the description, custom formats) counts days on the proleptic Gregorian calendar, and
-    // the menu must not show two different dates for one instant.
-    if (auto *gregorian = dynamic_cast<icu::GregorianCalendar *>(calendar.get())) {
-        UErrorCode status = U_ZERO_ERROR;
-        gregorian->setGregorianChange(-std::numeric_limits<double>::max(), status);
+    formatter->adoptTimeZone(CurrentIcuTimeZone().release());
+    // ICU's Gregorian calendar switches to the Julian one before 15 October 1582; every other
+    // text here (the description, custom formats) counts days on the proleptic Gregorian
+    // calendar, and the menu must not show two dates for one instant. Only instants near or
+    // before the switch need a calendar of their own.
+    if (*ms < kLastJulianYearEndMilliseconds) {
+        std::unique_ptr<icu::Calendar> calendar(formatter->getCalendar()->clone());
+        if (!calendar)
+            return {};
+        if (auto *gregorian = dynamic_cast<icu::GregorianCalendar *>(calendar.get())) {
+            UErrorCode status = U_ZERO_ERROR;
+            gregorian->setGregorianChange(-std::numeric_limits<double>::max(), status);
+        }
+        formatter->adoptCalendar(calendar.release());
     }
-    calendar->adoptTimeZone(CurrentIcuTimeZone().release());
-    formatter->adoptCalendar(calendar.release());
 
     icu::UnicodeString text;
     formatter->format(static_cast<UDate>(*ms), text);
