@@ -19,8 +19,7 @@ QString DBusMenuAdaptor::textDirection() const
 
 void DBusMenuAdaptor::unknownId(int id)
 {
-    if (calledFromDBus())
-        sendErrorReply(QDBusError::InvalidArgs, QStringLiteral("No menu entry has id %1").arg(id));
+    m_exporter->failCurrentCall(QStringLiteral("No menu entry has id %1").arg(id));
 }
 
 uint DBusMenuAdaptor::GetLayout(int parentId, int recursionDepth, const QStringList &propertyNames,
@@ -46,9 +45,8 @@ QDBusVariant DBusMenuAdaptor::GetProperty(int id, const QString &name)
 {
     const std::optional<QVariant> value = m_exporter->property(id, name);
     if (!value) {
-        if (calledFromDBus())
-            sendErrorReply(QDBusError::InvalidArgs,
-                           QStringLiteral("Menu entry %1 has no property %2").arg(id).arg(name));
+        m_exporter->failCurrentCall(
+            QStringLiteral("Menu entry %1 has no property %2").arg(id).arg(name));
         return QDBusVariant(QString());
     }
     return QDBusVariant(*value);

@@ -3,12 +3,11 @@
 #include "platform/qt/sni/SniTypes.h"
 
 #include <QDBusAbstractAdaptor>
-#include <QDBusContext>
 
 class DBusMenuExporter;
 
 // The com.canonical.dbusmenu interface of a DBusMenuExporter.
-class DBusMenuAdaptor final : public QDBusAbstractAdaptor, protected QDBusContext
+class DBusMenuAdaptor final : public QDBusAbstractAdaptor
 {
     Q_OBJECT
     Q_CLASSINFO("D-Bus Interface", "com.canonical.dbusmenu")

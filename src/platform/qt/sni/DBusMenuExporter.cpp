@@ -145,6 +145,12 @@ bool DBusMenuExporter::hasId(int id) const
     return id == 0 || (m_menu && id > 0 && id <= m_menu->numberOfItems());
 }
 
+void DBusMenuExporter::failCurrentCall(const QString &message)
+{
+    if (calledFromDBus())
+        sendErrorReply(QDBusError::InvalidArgs, message);
+}
+
 std::optional<DBusMenuLayoutItem> DBusMenuExporter::layout(int parentId, int depth,
                                                            const QStringList &propertyNames)
 {

@@ -6,6 +6,7 @@
 #include "platform/qt/sni/SniTypes.h"
 
 #include <QDBusConnection>
+#include <QDBusContext>
 #include <QObject>
 #include <QTimer>
 
@@ -14,7 +15,9 @@
 // Entry ids are the entry's index plus one (0 is the root), so a host that keeps its items across
 // layouts updates them in place. The layout revision grows by one for every rebuild of the model,
 // however many entries the rebuild changed, and the rebuild is announced once with LayoutUpdated.
-class DBusMenuExporter final : public QObject
+// (The exporter is a QDBusContext because the bus hands the context of a call made through an
+// adaptor to the adaptor's parent.)
+class DBusMenuExporter final : public QObject, protected QDBusContext
 {
     Q_OBJECT
 public:
@@ -41,6 +44,8 @@ public:
     // Returns whether the host must fetch the layout again.
     bool aboutToShow(int id);
     bool hasId(int id) const;
+    // Answers the call being handled, if any, with an invalid-arguments error.
+    void failCurrentCall(const QString &message);
 
 Q_SIGNALS:
     void layoutUpdated(uint revision, int parentId);
