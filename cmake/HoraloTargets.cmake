@@ -23,6 +23,7 @@ function(horalo_test name)
     cmake_parse_arguments(ARG "DBUS" "" "SOURCES;LIBS;ENV" ${ARGN})
     add_executable(${name} ${ARG_SOURCES})
     target_link_libraries(${name} PRIVATE ${ARG_LIBS} GTest::gtest GTest::gtest_main GTest::gmock)
+    target_include_directories(${name} PRIVATE ${PROJECT_SOURCE_DIR}/tests)
     horalo_warnings(${name})
     set(env
         "LANG=en_US.UTF-8" "LC_ALL=" "LC_TIME=" "TZ=America/New_York"

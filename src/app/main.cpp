@@ -5,6 +5,7 @@
 #include "datetext/DateText.h"
 #include "platform/dbus/DBusNotificationCenter.h"
 #include "platform/qt/QtPlatform.h"
+#include "platform/Version.h"
 #include "platform/store/PlistPreferencesStore.h"
 
 #include <QApplication>

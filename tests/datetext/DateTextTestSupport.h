@@ -1,6 +1,7 @@
 #pragma once
 
 #include "datetext/DateText.h"
+#include "support/QtPrinters.h"
 #include "platform/Clock.h"
 
 #include <QByteArray>
@@ -10,11 +11,6 @@
 #include <cstdlib>
 #include <ostream>
 
-// Readable failures.
-inline void PrintTo(const QString &text, std::ostream *os)
-{
-    *os << '"' << text.toStdString() << '"';
-}
 
 // Absolute time of a Unix time in seconds.
 inline AbsoluteTime FromUnix(double unixSeconds)

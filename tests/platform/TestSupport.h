@@ -1,5 +1,7 @@
 #pragma once
 
+#include "support/QtPrinters.h"
+
 #include <QByteArray>
 #include <QCoreApplication>
 #include <QDeadlineTimer>
@@ -60,8 +62,3 @@ inline bool WriteFileBytes(const QString &path, const QByteArray &bytes)
            file.write(bytes) == bytes.size();
 }
 
-// Lets GoogleTest print QStrings as text in its failure messages.
-inline void PrintTo(const QString &text, std::ostream *os)
-{
-    *os << '"' << text.toStdString() << '"';
-}

@@ -88,7 +88,7 @@ TEST_F(TitleRefresh, ChangesShowWithinASecondWithoutARebuild)
     set(SettingsKey::LastTitleDisplayName, QStringLiteral("Full Date Time"));
     platform.timers.advance(1.0);
     EXPECT_EQ(item().title(),
-              QStringLiteral("Friday, March 10, 2006 at 2:31:48" NNBSP "PM Eastern Standard Time"));
+              QStringLiteral("Friday, March 10, 2006 at 2:31:49" NNBSP "PM Eastern Standard Time"));
     EXPECT_EQ(controller.setupCount(), builds);
 }
 

@@ -7,6 +7,7 @@
 #include "app/settings/Settings.h"
 #include "datetext/DateText.h"
 #include "platform/memory/InMemoryPlatform.h"
+#include "support/QtPrinters.h"
 
 #include <gtest/gtest.h>
 

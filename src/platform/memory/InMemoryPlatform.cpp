@@ -53,6 +53,8 @@ public:
     bool m_valid = true;
 };
 
+ManualTimerScheduler::ManualTimerScheduler(ManualClock &clock) : m_clock(clock) {}
+
 ManualTimerScheduler::~ManualTimerScheduler() = default;
 
 Timer *ManualTimerScheduler::scheduleRepeatingTimer(double intervalSeconds, Callback callback)

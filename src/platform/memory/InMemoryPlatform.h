@@ -47,7 +47,7 @@ class ManualTimerScheduler final : public TimerScheduler
 public:
     class ManualTimer;
 
-    explicit ManualTimerScheduler(ManualClock &clock) : m_clock(clock) {}
+    explicit ManualTimerScheduler(ManualClock &clock);
     ~ManualTimerScheduler() override;
 
     Timer *scheduleRepeatingTimer(double intervalSeconds, Callback callback) override;
