@@ -3,10 +3,11 @@
 #include "app/AppController.h"
 #include "app/cli/Cli.h"
 #include "datetext/DateText.h"
+#include "platform/Version.h"
 #include "platform/dbus/DBusNotificationCenter.h"
 #include "platform/qt/QtPlatform.h"
-#include "platform/Version.h"
 #include "platform/store/PlistPreferencesStore.h"
+#include "prefpane/PreferencesUi.h"
 
 #include <QApplication>
 
@@ -52,14 +53,19 @@ int RunDesktopApplication(int argc, char *argv[])
                       timers, statusBar,    clipboard,         application};
 
     QtChooserWindow chooserWindow(windowCenter);
-    AppController controller(platform, {&chooserWindow, &chooserWindow}, nullptr);
+    PreferencesUi preferences = CreatePreferencesUi(platform, windowCenter);
+    AppController controller(platform, {&chooserWindow, &chooserWindow},
+                             preferences.controller->window());
 
-    // The same order as every start: the interface is loaded and wired, then the launch
-    // snapshot is taken, then the event loop runs.
+    // The same order as every start: the interface is loaded and wired (the application
+    // controller first, then the preferences controller), then the launch snapshot is taken,
+    // then the event loop runs.
     controller.awakeFromNib();
+    preferences.controller->awakeFromNib();
     controller.applicationWillFinishLaunching();
     const int status = QApplication::exec();
     controller.applicationWillTerminate();
+    preferences.controller.reset();
     return status;
 }
 
