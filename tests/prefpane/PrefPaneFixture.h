@@ -3,11 +3,11 @@
 // The preferences controller on the in-memory platform, with in-memory controls laid out as the
 // desktop window lays them out.
 
-#include "QtPrinters.h"
 #include "app/settings/Settings.h"
 #include "platform/memory/InMemoryPlatform.h"
 #include "prefpane/HoraloPrefPane.h"
 #include "prefpane/InMemoryPrefPaneControls.h"
+#include "support/QtPrinters.h"
 
 #include <gtest/gtest.h>
 

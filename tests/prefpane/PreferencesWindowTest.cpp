@@ -1,7 +1,6 @@
 // The desktop window over the controller, offscreen: its layout, its table model, in-place
 // edits, real drag data, the delete button and key, and closing.
 
-#include "QtPrinters.h"
 #include "app/settings/Settings.h"
 #include "datetext/DateText.h"
 #include "platform/memory/InMemoryPlatform.h"
@@ -9,6 +8,7 @@
 #include "prefpane/CustomDatesTableView.h"
 #include "prefpane/PrefPaneLayout.h"
 #include "prefpane/PreferencesUi.h"
+#include "support/QtPrinters.h"
 
 #include <QApplication>
 #include <QCheckBox>
