@@ -1,48 +1,22 @@
 #include "statusmenu/CopyActions.h"
 
+#include "datetext/DateFormatCatalogue.h"
 #include "datetext/DateText.h"
 
 #include <QStringList>
 
 namespace {
 
-struct StyledCopyAction
-{
-    const char *menuName;
-    const char *action;
-    DateFormatterStyle dateStyle;
-    DateFormatterStyle timeStyle;
-};
-
-constexpr StyledCopyAction kStyledCopyActions[] = {
-    {"Short Date", "shortDate:", kShortStyle, kNoStyle},
-    {"Medium Date", "mediumDate:", kMediumStyle, kNoStyle},
-    {"Long Date", "longDate:", kLongStyle, kNoStyle},
-    {"Full Date", "fullDate:", kFullStyle, kNoStyle},
-    {"Short Date-Time", "shortDateTime:", kShortStyle, kShortStyle},
-    {"Medium Date-Time", "mediumDateTime:", kMediumStyle, kMediumStyle},
-    {"Long Date-Time", "longDateTime:", kLongStyle, kLongStyle},
-    {"Full Date-Time", "fullDateTime:", kFullStyle, kFullStyle},
-    {"Short Time", "shortTime:", kNoStyle, kShortStyle},
-    {"Medium Time", "mediumTime:", kNoStyle, kMediumStyle},
-    {"Long Time", "longTime:", kNoStyle, kLongStyle},
-    {"Full Time", "fullTime:", kNoStyle, kFullStyle},
-};
-
-struct DescriptionCopyAction
-{
-    const char *menuName;
-    const char *action;
-};
-
-constexpr DescriptionCopyAction kDescriptionCopyActions[] = {
-    {"GMT Date Time", "gmtDateTime:"},
-    {"Numerical Date", "numericalDate:"},
-    {"Numerical Date Time", "numericalDateTime:"},
-    {"Numerical Date No Hyphens", "numericalDateNoHyphens:"},
-};
-
 const char kCustomCopyAction[] = "customDateFormatter:";
+
+const CatalogueFormat *CatalogueFormatWithCopyAction(const QString &action)
+{
+    for (const CatalogueFormat &format : DateFormatCatalogue()) {
+        if (format.copyAction == action)
+            return &format;
+    }
+    return nullptr;
+}
 
 std::optional<QByteArray> Utf8(const QString &text)
 {
@@ -51,24 +25,33 @@ std::optional<QByteArray> Utf8(const QString &text)
     return text.toUtf8();
 }
 
-std::optional<QByteArray> DescriptionText(const Clock &clock, const QString &action)
+std::optional<QByteArray> StyledText(const Clock &clock, const CatalogueFormat &format)
+{
+    char buffer[kDateStringBufferSize];
+    if (!MakeCurrentDateString(clock, format.dateStyle, format.timeStyle, buffer,
+                               kDateStringBufferSize))
+        return std::nullopt;
+    return QByteArray(buffer);
+}
+
+std::optional<QByteArray> DescriptionText(const Clock &clock, const CatalogueFormat &format)
 {
     const QString description = DefaultDescription(WorkingInstant(clock));
-    if (action == QLatin1String("gmtDateTime:"))
+    switch (format.kind) {
+    case DateFormatKind::GMTDateTime:
         return Utf8(description);
-
-    const QStringList fields = DescriptionFields(description);
-    if (fields.isEmpty())
-        return std::nullopt;
-    if (action == QLatin1String("numericalDate:"))
-        return Utf8(fields.at(0));
-    if (action == QLatin1String("numericalDateNoHyphens:"))
-        return Utf8(QString(fields.at(0)).remove(QLatin1Char('-')));
-    // Unlike the menu entry, which shows the date alone when there is no time field, the copy
-    // action refuses to copy half a date-time.
-    if (fields.size() < 2)
-        return std::nullopt;
-    return Utf8(fields.at(0) + QLatin1Char(' ') + fields.at(1));
+    case DateFormatKind::NumericalDate:
+        return Utf8(NumericalDateFromDescription(description));
+    case DateFormatKind::NumericalDateNoHyphens:
+        return Utf8(NumericalDateNoHyphensFromDescription(description));
+    case DateFormatKind::NumericalDateTime:
+        // Unlike the menu entry, which shows the date alone when there is no time field, the
+        // copy refuses half a date-time.
+        return Utf8(NumericalDateTimeFromDescription(description));
+    case DateFormatKind::Styled:
+        break;
+    }
+    return std::nullopt;
 }
 
 } // namespace
@@ -80,54 +63,31 @@ QStringList DescriptionFields(const QString &description)
     return description.split(QLatin1Char(' '));
 }
 
-bool IsCopyAction(const QString &action)
-{
-    for (const StyledCopyAction &styled : kStyledCopyActions) {
-        if (action == QLatin1String(styled.action))
-            return true;
-    }
-    for (const DescriptionCopyAction &described : kDescriptionCopyActions) {
-        if (action == QLatin1String(described.action))
-            return true;
-    }
-    return action == QLatin1String(kCustomCopyAction);
-}
-
 QString CopyActionForMenuName(const QString &menuName)
 {
-    for (const StyledCopyAction &styled : kStyledCopyActions) {
-        if (menuName == QLatin1String(styled.menuName))
-            return QString::fromLatin1(styled.action);
-    }
-    for (const DescriptionCopyAction &described : kDescriptionCopyActions) {
-        if (menuName == QLatin1String(described.menuName))
-            return QString::fromLatin1(described.action);
-    }
-    return {};
+    const CatalogueFormat *format = CatalogueFormatWithMenuName(menuName);
+    return format ? format->copyAction.toString() : QString();
+}
+
+bool IsCopyAction(const QString &action)
+{
+    return CatalogueFormatWithCopyAction(action) || action == QLatin1String(kCustomCopyAction);
 }
 
 std::optional<QByteArray> CopyTextForAction(const Clock &clock, const QString &action,
                                             const MenuItem &sender)
 {
-    for (const StyledCopyAction &styled : kStyledCopyActions) {
-        if (action != QLatin1String(styled.action))
-            continue;
-        char buffer[kDateStringBufferSize];
-        if (!MakeCurrentDateString(clock, styled.dateStyle, styled.timeStyle, buffer,
-                                   kDateStringBufferSize))
-            return std::nullopt;
-        return QByteArray(buffer);
-    }
-    for (const DescriptionCopyAction &described : kDescriptionCopyActions) {
-        if (action == QLatin1String(described.action))
-            return DescriptionText(clock, action);
-    }
     if (action == QLatin1String(kCustomCopyAction)) {
         const CalendarDate date =
             CalendarDateWithTimeIntervalSinceReferenceDate(WorkingInstant(clock));
         return Utf8(MakeFormattedDateString(date, sender.toolTip));
     }
-    return std::nullopt;
+    const CatalogueFormat *format = CatalogueFormatWithCopyAction(action);
+    if (!format)
+        return std::nullopt;
+    if (format->kind == DateFormatKind::Styled)
+        return StyledText(clock, *format);
+    return DescriptionText(clock, *format);
 }
 
 int PutStringOnClipboard(Clipboard &clipboard, const QByteArray &utf8)

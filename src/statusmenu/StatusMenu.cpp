@@ -1,17 +1,10 @@
 #include "statusmenu/StatusMenu.h"
 
 #include "app/settings/Settings.h"
+#include "datetext/DateFormatCatalogue.h"
 #include "datetext/DateText.h"
 #include "datetext/NSDateExtensions.h"
 #include "statusmenu/CopyActions.h"
-
-struct StatusMenu::StyledEntry
-{
-    const char *symbolicName;
-    DateFormatterStyle dateStyle;
-    DateFormatterStyle timeStyle;
-    const char *action;
-};
 
 namespace {
 
@@ -140,18 +133,19 @@ void StatusMenu::buildMenu(const QStringList &customDates)
     }
 }
 
-void StatusMenu::addStyledGroup(const StyledEntry *entries)
+void StatusMenu::addStyledGroup(DateFormatGroup group)
 {
     const bool symbolic = UseSymbolicNames(m_platform.store);
-    for (int i = 0; i < 4; ++i) {
-        const StyledEntry &entry = entries[i];
-        const QString action = QString::fromLatin1(entry.action);
+    for (const CatalogueFormat &format : DateFormatCatalogue()) {
+        if (format.group != group)
+            continue;
+        const QString action = format.copyAction.toString();
         if (symbolic) {
-            addItem(QString::fromLatin1(entry.symbolicName), action);
+            addItem(format.menuName.toString(), action);
             continue;
         }
         const QString text =
-            MakeCurrentDateTimeStringRef(m_platform.clock, entry.dateStyle, entry.timeStyle);
+            MakeCurrentDateTimeStringRef(m_platform.clock, format.dateStyle, format.timeStyle);
         if (!text.isNull())
             addItem(text, action);
     }
@@ -159,47 +153,26 @@ void StatusMenu::addStyledGroup(const StyledEntry *entries)
 
 void StatusMenu::addDateTimeItems()
 {
-    // The menu's names of the date-and-time formats carry a hyphen, the title's names do not;
-    // both spellings are what users know and have stored, so neither may change.
-    static constexpr StyledEntry entries[] = {
-        {"Short Date-Time", kShortStyle, kShortStyle, "shortDateTime:"},
-        {"Medium Date-Time", kMediumStyle, kMediumStyle, "mediumDateTime:"},
-        {"Long Date-Time", kLongStyle, kLongStyle, "longDateTime:"},
-        {"Full Date-Time", kFullStyle, kFullStyle, "fullDateTime:"},
-    };
-    addStyledGroup(entries);
+    addStyledGroup(DateFormatGroup::DateTime);
 }
 
 void StatusMenu::addDateItems()
 {
-    static constexpr StyledEntry entries[] = {
-        {"Short Date", kShortStyle, kNoStyle, "shortDate:"},
-        {"Medium Date", kMediumStyle, kNoStyle, "mediumDate:"},
-        {"Long Date", kLongStyle, kNoStyle, "longDate:"},
-        {"Full Date", kFullStyle, kNoStyle, "fullDate:"},
-    };
-    addStyledGroup(entries);
+    addStyledGroup(DateFormatGroup::DateOnly);
 }
 
 void StatusMenu::addTimeItems()
 {
-    static constexpr StyledEntry entries[] = {
-        {"Short Time", kNoStyle, kShortStyle, "shortTime:"},
-        {"Medium Time", kNoStyle, kMediumStyle, "mediumTime:"},
-        {"Long Time", kNoStyle, kLongStyle, "longTime:"},
-        {"Full Time", kNoStyle, kFullStyle, "fullTime:"},
-    };
-    addStyledGroup(entries);
+    addStyledGroup(DateFormatGroup::TimeOnly);
 }
 
 void StatusMenu::addNumericalDateTimeItems()
 {
     if (UseSymbolicNames(m_platform.store)) {
-        addItem(QStringLiteral("GMT Date Time"), QStringLiteral("gmtDateTime:"));
-        addItem(QStringLiteral("Numerical Date Time"), QStringLiteral("numericalDateTime:"));
-        addItem(QStringLiteral("Numerical Date"), QStringLiteral("numericalDate:"));
-        addItem(QStringLiteral("Numerical Date No Hyphens"),
-                QStringLiteral("numericalDateNoHyphens:"));
+        for (const CatalogueFormat &format : DateFormatCatalogue()) {
+            if (format.group == DateFormatGroup::Numerical)
+                addItem(format.menuName.toString(), format.copyAction.toString());
+        }
         addSeparator();
         return;
     }
@@ -248,32 +221,11 @@ void StatusMenu::itemTitleTimerAction(Timer *)
         return;
     }
 
-    using TitleOperation = QString (*)(const Clock &);
-    static const struct
-    {
-        const char *name;
-        TitleOperation render;
-    } kTitleFormats[] = {
-        {"Short Date", ShortDateString},
-        {"Medium Date", MediumDateString},
-        {"Long Date", LongDateString},
-        {"Full Date", FullDateString},
-        {"Short Date Time", ShortDateTimeString},
-        {"Medium Date Time", MediumDateTimeString},
-        {"Long Date Time", LongDateTimeString},
-        {"Full Date Time", FullDateTimeString},
-        {"GMT", GMTString},
-    };
-
     QString name = TitleDisplayName(m_platform.store);
     if (name.isNull())
         name = DefaultTitleDisplayName;
-    for (const auto &format : kTitleFormats) {
-        if (name == QLatin1String(format.name)) {
-            m_item->setTitle(format.render(m_platform.clock));
-            return;
-        }
-    }
+    if (const std::optional<QString> text = TitleFormatText(name, m_platform.clock))
+        m_item->setTitle(*text);
     // An unknown name leaves whatever title the item had.
 }
 

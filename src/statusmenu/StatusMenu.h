@@ -1,5 +1,6 @@
 #pragma once
 
+#include "datetext/DateFormatCatalogue.h"
 #include "platform/Menu.h"
 #include "platform/Platform.h"
 
@@ -38,8 +39,7 @@ public:
     Timer *itemTitleTimer() const { return m_itemTitleTimer; }
 
 private:
-    struct StyledEntry;
-    void addStyledGroup(const StyledEntry *entries);
+    void addStyledGroup(DateFormatGroup group);
     void addItem(const QString &title, const QString &action, const QString &toolTip = {});
     void addSeparator();
 

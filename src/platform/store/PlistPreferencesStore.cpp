@@ -206,7 +206,7 @@ bool WriteFileAtomically(const QString &path, const QByteArray &bytes,
 QString DefaultPreferencesStorePath()
 {
     QString base = qEnvironmentVariable("XDG_CONFIG_HOME");
-    // The base directory specification says to ignore a relative path here.
+    // XDG base directories must be absolute; a relative one is ignored.
     if (base.isEmpty() || !QDir::isAbsolutePath(base))
         base = QDir::homePath() + QStringLiteral("/.config");
     return QDir::cleanPath(base + QStringLiteral("/horalo/") + AppIdentifier +
