@@ -3,6 +3,7 @@
 
 #include "PrefPaneFixture.h"
 #include "datetext/DateText.h"
+#include "datetext/DateTextTestSupport.h"
 #include "prefpane/PrefPaneLayout.h"
 
 #include <QDataStream>

@@ -3,6 +3,7 @@
 
 #include "app/settings/Settings.h"
 #include "datetext/DateText.h"
+#include "datetext/DateTextTestSupport.h"
 #include "platform/memory/InMemoryPlatform.h"
 #include "prefpane/CustomDatesTableModel.h"
 #include "prefpane/CustomDatesTableView.h"
@@ -55,6 +56,7 @@ protected:
                                                  QStringLiteral("Horalo"));
         memory.application.infoDictionary.insert(QStringLiteral("CFBundleShortVersionString"),
                                                  QStringLiteral("2.0"));
+        m_environment.setLocaleAndZone("en_US.UTF-8", "America/New_York");
         memory.userDefaults.setRegistrationProvider(LocaleDefaultsRegistration);
     }
 
@@ -95,6 +97,7 @@ protected:
         return rows;
     }
 
+    ScopedDateEnvironment m_environment;
     InMemoryPlatform memory{kFixedInstant};
     Platform platform = memory.platform();
     PreferencesUi ui = CreatePreferencesUi(platform, memory.windowCenter);
