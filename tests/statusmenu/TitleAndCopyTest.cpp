@@ -181,3 +181,41 @@ TEST_F(Copying, AnUnreachableClipboardKeepsItsContents)
     EXPECT_EQ(controller.putStringOnClipboard(QByteArray()), 0);
     EXPECT_EQ(platform.clipboard.contents(), QByteArray()) << "an empty text is still one item";
 }
+
+// Our format engine renders any text; what it cannot render is an instant outside the calendar's
+// range, which is how these failures are reached.
+constexpr AbsoluteTime kBeyondAnyCalendar = 1e300;
+
+TEST_F(TitleRefresh, AnOverrideThatCannotBeRenderedShowsBadFormat)
+{
+    launch();
+    set(SettingsKey::MenuTitleFormatter, QStringLiteral("%Y"));
+    g_selectedDateTime = kBeyondAnyCalendar;
+    EXPECT_EQ(tick(), QStringLiteral("Bad Format"));
+    set(SettingsKey::MenuTitleFormatter, QString());
+    EXPECT_EQ(tick(), QStringLiteral("Horalo")) << "a named format falls back to the name";
+}
+
+TEST_F(Copying, TextsThatCannotBeProducedLeaveEntriesOutAndCopyNothing)
+{
+    set(SettingsKey::CustomDates, QVariantList{QStringLiteral("%Y"), QStringLiteral("%d")});
+    launch();
+    g_selectedDateTime = kBeyondAnyCalendar;
+    item().openMenu();
+    const QStringList lines = menuLines();
+    const qsizetype header = lines.indexOf(QStringLiteral("Custom Dates\t\t"));
+    ASSERT_GE(header, 0) << "the header stays even when no format renders";
+    EXPECT_EQ(lines.at(header + 1), QStringLiteral("-"));
+    EXPECT_EQ(titleOf(QStringLiteral("shortDateTime:")), QString()) << "left out";
+
+    platform.clipboard.setContents("kept");
+    for (const char *action : {"mediumDate:", "gmtDateTime:", "numericalDate:",
+                               "numericalDateTime:", "numericalDateNoHyphens:"}) {
+        controller.performAction(QString::fromLatin1(action), MenuItem());
+        EXPECT_EQ(platform.clipboard.contents(), QByteArray("kept")) << action;
+    }
+    MenuItem custom;
+    custom.toolTip = QStringLiteral("%Y");
+    controller.customDateFormatter(custom);
+    EXPECT_EQ(platform.clipboard.contents(), QByteArray("kept"));
+}
