@@ -2,7 +2,8 @@
 # End to end against a real StatusNotifierItem host that draws labels: an XFCE panel with the
 # indicator plugin and the Ayatana application indicator service, under Xvfb, on a session bus
 # of its own. Horalo's icon must show with its title beside it, the title must tick every second,
-# a click must open the menu (rebuilt over dbusmenu), and a chosen entry must reach the clipboard.
+# a click must open the menu (rebuilt over dbusmenu), a chosen entry must reach the clipboard, and
+# after the indicator service restarts Horalo must be back, once.
 #   sni_panel.sh HORALO_BINARY OUTPUT_DIR
 set -euo pipefail
 horalo="$1"
@@ -68,6 +69,7 @@ cat >"$conf/xfce4-panel.xml" <<'XML'
 XML
 
 "$service" >"$work/service.log" 2>&1 &
+service_pid=$!
 xfce4-panel --disable-wm-check >"$work/panel.log" 2>&1 &
 has_watcher() {
   gdbus call --session --dest org.freedesktop.DBus --object-path /org/freedesktop/DBus \
@@ -130,10 +132,14 @@ awk -v s="$text_spread" 'BEGIN { exit !(s > 0.05) }' || fail "no text drawn besi
 # menu appears below the panel.
 shot_region "$out/sni-panel-2.png" 400x250+0+40 "$work/below-before.png"
 xdotool mousemove 13 16 click 1
-sleep 1
-import -window root "$out/sni-menu.png"
-shot_region "$out/sni-menu.png" 400x250+0+40 "$work/below-after.png"
-menu_pixels=$(compare -metric AE "$work/below-before.png" "$work/below-after.png" null: 2>&1 || true)
+menu_pixels=0
+for _ in $(seq 10); do
+  sleep 0.5
+  import -window root "$out/sni-menu.png"
+  shot_region "$out/sni-menu.png" 400x250+0+40 "$work/below-after.png"
+  menu_pixels=$(compare -metric AE "$work/below-before.png" "$work/below-after.png" null: 2>&1 || true)
+  [[ "$menu_pixels" =~ ^[0-9]+$ && "$menu_pixels" -gt 5000 ]] && break
+done
 echo "menu: $menu_pixels pixels changed below the panel"
 [[ "$menu_pixels" =~ ^[0-9]+$ && "$menu_pixels" -gt 5000 ]] || fail "no menu appeared"
 grep -Eq "member=AboutToShow(Group)?$" "$work/monitor.log" || fail "the host never asked for a rebuild"
@@ -145,11 +151,37 @@ xdotool mousemove 900 500
 sleep 0.3
 expected_before=$(date +%Y%m%d)
 xdotool key Down Down Down Down Down Return
-sleep 0.7
-copied=$(xclip -o -selection clipboard -target UTF8_STRING 2>/dev/null || true)
+copied=""
+for _ in $(seq 30); do
+  sleep 0.1
+  copied=$(xclip -o -selection clipboard -target UTF8_STRING 2>/dev/null || true)
+  [[ -n "$copied" ]] && break
+done
 expected_after=$(date +%Y%m%d)
 kill -0 "$horalo_pid" || fail "Horalo exited"
 echo "clipboard: '$copied' (expected $expected_before)"
 [[ "$copied" == "$expected_before" || "$copied" == "$expected_after" ]] || fail "wrong clipboard"
 grep -Eq "member=Event(Group)?$" "$work/monitor.log" || fail "the click never reached Horalo"
-echo "screenshots: $out/sni-panel-1.png $out/sni-panel-2.png $out/sni-menu.png"
+
+# The indicator service restarts (as with a panel restart): Horalo registers again and its
+# label is back beside its icon.
+kill "$service_pid"
+wait "$service_pid" 2>/dev/null || true
+for _ in $(seq 50); do has_watcher || break; sleep 0.1; done
+"$service" >"$work/service-again.log" 2>&1 &
+label=""
+for _ in $(seq 50); do
+  label=$(host_label)
+  [[ "$label" =~ ^[0-9]{2}:[0-9]{2}:[0-9]{2}$ ]] && break
+  sleep 0.1
+done
+[[ "$label" =~ ^[0-9]{2}:[0-9]{2}:[0-9]{2}$ ]] || fail "Horalo did not come back after the service restarted"
+entries=$(host_entry | wc -l)
+[[ "$entries" == 1 ]] || fail "the host lists Horalo $entries times"
+sleep 1
+import -window root "$out/sni-panel-restarted.png"
+shot_region "$out/sni-panel-restarted.png" 150x32+26+0 "$work/text3.png"
+text_spread=$(convert "$work/text3.png" -colorspace Gray -format "%[fx:standard_deviation]" info:)
+awk -v s="$text_spread" 'BEGIN { exit !(s > 0.05) }' || fail "no label drawn after the restart"
+echo "after the restart: label '$label'"
+echo "screenshots: $out/sni-panel-1.png $out/sni-panel-2.png $out/sni-menu.png $out/sni-panel-restarted.png"
