@@ -7,6 +7,7 @@
 #include "platform/memory/InMemoryPlatform.h"
 #include "prefpane/HoraloPrefPane.h"
 #include "prefpane/InMemoryPrefPaneControls.h"
+#include "datetext/DateTextTestSupport.h"
 #include "support/QtPrinters.h"
 
 #include <gtest/gtest.h>
@@ -31,8 +32,11 @@ struct BroadcastCounter
 class PrefPaneTest : public ::testing::Test
 {
 protected:
+    ScopedDateEnvironment environment;
     PrefPaneTest()
     {
+        // Previews render dates: pin the zone and the locale whatever the shell has.
+        environment.setLocaleAndZone("en_US.UTF-8", "America/New_York");
         memory.application.infoDictionary.insert(QStringLiteral("CFBundleName"),
                                                  QStringLiteral("Horalo"));
         memory.application.infoDictionary.insert(QStringLiteral("CFBundleShortVersionString"),
