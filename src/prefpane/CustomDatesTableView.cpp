@@ -27,7 +27,7 @@ CustomDatesTableView::CustomDatesTableView(QWidget *parent)
     // The format keeps the width the user gives it; the preview takes the rest.
     horizontalHeader()->setSectionResizeMode(QHeaderView::Interactive);
     horizontalHeader()->setStretchLastSection(true);
-    horizontalHeader()->setDefaultSectionSize(220);
+    horizontalHeader()->setDefaultSectionSize(250);
     horizontalHeader()->setHighlightSections(false);
 
     connect(selectionModel(), &QItemSelectionModel::selectionChanged, this,

@@ -14,6 +14,7 @@
 #include <QLineEdit>
 #include <QListWidget>
 #include <QPushButton>
+#include <QScreen>
 #include <QScrollBar>
 #include <QShortcut>
 #include <QVBoxLayout>
@@ -114,7 +115,7 @@ PreferencesWindow::PreferencesWindow(LocalWindowNotificationCenter &windowCenter
 
     auto *formatsGroup = new QGroupBox(tr("Custom formats"), this);
     auto *formatsLayout = new QHBoxLayout(formatsGroup);
-    formatsLayout->addLayout(tableColumn, 3);
+    formatsLayout->addLayout(tableColumn, 5);
     formatsLayout->addLayout(symbolColumn, 2);
 
     auto *upper = new QHBoxLayout;
@@ -126,6 +127,12 @@ PreferencesWindow::PreferencesWindow(LocalWindowNotificationCenter &windowCenter
     auto *outer = new QVBoxLayout(this);
     outer->addLayout(upper, 1);
     outer->addWidget(m_versionLabel);
+    // Open wide enough that the default format and its preview both show whole, as far as the
+    // screen allows.
+    QSize size(sizeHint().width() + 300, sizeHint().height() + 60);
+    if (const QScreen *current = screen())
+        size = size.boundedTo(current->availableGeometry().size() * 0.92);
+    resize(size);
 
     // Tab walks the settings from top to bottom, then the formats from left to right.
     QWidget *const tabOrder[] = {
