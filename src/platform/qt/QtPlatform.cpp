@@ -22,6 +22,8 @@
 
 namespace {
 
+int g_trackedMenus = 0;
+
 class QtTimer final : public Timer
 {
 public:
@@ -30,7 +32,10 @@ public:
     {
         m_timer.setTimerType(interval < 0.5 ? Qt::PreciseTimer : Qt::CoarseTimer);
         m_timer.setInterval(static_cast<int>(interval * 1000.0 + 0.5));
-        QObject::connect(&m_timer, &QTimer::timeout, &m_timer, [this] { m_callback(this); });
+        QObject::connect(&m_timer, &QTimer::timeout, &m_timer, [this] {
+            if (!IsTrackingMenu())
+                m_callback(this);
+        });
         m_timer.start();
     }
     void invalidate() override
@@ -53,6 +58,33 @@ private:
 };
 
 } // namespace
+
+void TrackMenuForTimers(QMenu &qmenu)
+{
+    // A menu can be hidden without having been shown (a rebuild while closed); count only
+    // what was shown.
+    auto *shown = new bool(false);
+    QObject::connect(&qmenu, &QMenu::aboutToShow, &qmenu, [shown] {
+        if (!*shown)
+            ++g_trackedMenus;
+        *shown = true;
+    });
+    QObject::connect(&qmenu, &QMenu::aboutToHide, &qmenu, [shown] {
+        if (*shown)
+            --g_trackedMenus;
+        *shown = false;
+    });
+    QObject::connect(&qmenu, &QObject::destroyed, [shown] {
+        if (*shown)
+            --g_trackedMenus;
+        delete shown;
+    });
+}
+
+bool IsTrackingMenu()
+{
+    return g_trackedMenus > 0;
+}
 
 Timer *QtTimerScheduler::scheduleRepeatingTimer(double intervalSeconds, Callback callback)
 {
@@ -110,6 +142,7 @@ TrayStatusItem::TrayStatusItem() : m_qmenu(std::make_unique<QMenu>())
 {
     m_qmenu->setToolTipsVisible(true);
     connect(m_qmenu.get(), &QMenu::aboutToShow, this, &TrayStatusItem::aboutToShow);
+    TrackMenuForTimers(*m_qmenu);
     connect(&m_tray, &QSystemTrayIcon::activated, this, &TrayStatusItem::activated);
     m_tray.setContextMenu(m_qmenu.get());
     // The tray needs an icon to be shown at all; without one the menu could not be reached.

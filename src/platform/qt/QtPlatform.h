@@ -35,6 +35,12 @@ QIcon LoadIconResource(const QString &imageName);
 // model has been rebuilt since the QMenu was filled.
 void FillQMenu(QMenu &qmenu, Menu *menu);
 
+// While the user tracks one of our menus, timers hold their fire, as they would in a run loop's
+// default mode: the title is not redrawn under an open menu, and it refreshes at the next tick
+// after the menu closes.
+void TrackMenuForTimers(QMenu &qmenu);
+bool IsTrackingMenu();
+
 // The status item on an XEmbed tray through QSystemTrayIcon. The tray protocol has no text, so
 // the title is shown as the tool tip.
 class TrayStatusItem final : public QObject, public StatusItem

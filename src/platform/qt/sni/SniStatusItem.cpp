@@ -206,6 +206,7 @@ void SniStatusItem::popUpMenu(const QPoint &position)
     if (!m_popup) {
         m_popup = std::make_unique<QMenu>();
         m_popup->setToolTipsVisible(true);
+        TrackMenuForTimers(*m_popup);
     }
     m_menu->willOpen();
     FillQMenu(*m_popup, m_menu);

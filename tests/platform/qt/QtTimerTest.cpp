@@ -1,0 +1,80 @@
+// The desktop's timers: repeating, stoppable, and holding their fire under an open menu.
+
+#include "platform/qt/QtPlatform.h"
+
+#include <QApplication>
+#include <QElapsedTimer>
+#include <QMenu>
+
+#include <gtest/gtest.h>
+
+namespace {
+
+// Runs the event loop until done() holds or the time is up; returns done().
+template <typename Condition> bool RunEventLoopUntil(Condition done, int milliseconds = 5000)
+{
+    QElapsedTimer elapsed;
+    elapsed.start();
+    while (!done() && elapsed.elapsed() < milliseconds)
+        QCoreApplication::processEvents(QEventLoop::AllEvents, 5);
+    return done();
+}
+
+void RunEventLoopFor(int milliseconds)
+{
+    RunEventLoopUntil([] { return false; }, milliseconds);
+}
+
+class QtTimers : public ::testing::Test
+{
+protected:
+    static void SetUpTestSuite()
+    {
+        static int argc = 1;
+        static char name[] = "horalo_qt_timer_test";
+        static char *argv[] = {name, nullptr};
+        if (!QApplication::instance())
+            new QApplication(argc, argv);
+    }
+
+    QtTimerScheduler scheduler;
+};
+
+TEST_F(QtTimers, RepeatUntilInvalidatedAndNameTheFiringTimer)
+{
+    int fired = 0;
+    Timer *seen = nullptr;
+    Timer *timer = scheduler.scheduleRepeatingTimer(0.01, [&](Timer *firing) {
+        ++fired;
+        seen = firing;
+    });
+    EXPECT_TRUE(RunEventLoopUntil([&] { return fired >= 3; }));
+    EXPECT_EQ(seen, timer);
+
+    timer->invalidate();
+    EXPECT_FALSE(timer->isValid()) << "still safe to ask during the event that invalidated it";
+    const int atInvalidation = fired;
+    RunEventLoopFor(60);
+    EXPECT_EQ(fired, atInvalidation);
+}
+
+TEST_F(QtTimers, HoldTheirFireWhileAMenuIsOpen)
+{
+    QMenu menu;
+    menu.addAction(QStringLiteral("entry"));
+    TrackMenuForTimers(menu);
+    int fired = 0;
+    Timer *timer = scheduler.scheduleRepeatingTimer(0.01, [&](Timer *) { ++fired; });
+
+    menu.popup(QPoint(10, 10));
+    ASSERT_TRUE(IsTrackingMenu());
+    RunEventLoopFor(80);
+    EXPECT_EQ(fired, 0);
+
+    menu.hide();
+    EXPECT_FALSE(IsTrackingMenu());
+    EXPECT_TRUE(RunEventLoopUntil([&] { return fired >= 2; }));
+    timer->invalidate();
+}
+
+} // namespace
