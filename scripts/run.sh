@@ -3,5 +3,6 @@
 set -euo pipefail
 root="$(cd "$(dirname "$0")/.." && pwd)"
 "$root/scripts/install-deps.sh"
-BUILD_DIR="$root/build" "$root/scripts/build.sh" -DHORALO_BUILD_TESTS=OFF -DHORALO_BUILD_BENCHMARKS=OFF
+# The same build directory and configuration as the tests, building only the application.
+BUILD_DIR="$root/build" BUILD_TARGETS=horalo "$root/scripts/build.sh"
 exec "$root/build/src/app/horalo" "$@"
