@@ -111,9 +111,5 @@ std::optional<QString> TitleFormatText(QStringView titleName, const Clock &clock
         return std::nullopt;
     if (format->kind == DateFormatKind::GMTDateTime)
         return GMTString(clock);
-    char buffer[kDateStringBufferSize];
-    if (!MakeCurrentDateString(clock, format->dateStyle, format->timeStyle, buffer,
-                               kDateStringBufferSize))
-        return kFallbackText;
-    return QString::fromUtf8(buffer);
+    return StyledTitleText(clock, format->dateStyle, format->timeStyle);
 }

@@ -116,54 +116,53 @@ bool MakeCurrentDateString(const Clock &clock, DateFormatterStyle dateStyle,
     return true;
 }
 
-namespace {
-QString TitleText(const Clock &clock, DateFormatterStyle dateStyle, DateFormatterStyle timeStyle)
+QString StyledTitleText(const Clock &clock, DateFormatterStyle dateStyle,
+                        DateFormatterStyle timeStyle)
 {
     char buffer[kDateStringBufferSize];
     if (!MakeCurrentDateString(clock, dateStyle, timeStyle, buffer, kDateStringBufferSize))
         return kFallbackText;
     return QString::fromUtf8(buffer);
 }
-} // namespace
 
 QString ShortDateString(const Clock &clock)
 {
-    return TitleText(clock, kShortStyle, kNoStyle);
+    return StyledTitleText(clock, kShortStyle, kNoStyle);
 }
 
 QString ShortDateTimeString(const Clock &clock)
 {
-    return TitleText(clock, kShortStyle, kShortStyle);
+    return StyledTitleText(clock, kShortStyle, kShortStyle);
 }
 
 QString MediumDateString(const Clock &clock)
 {
-    return TitleText(clock, kMediumStyle, kNoStyle);
+    return StyledTitleText(clock, kMediumStyle, kNoStyle);
 }
 
 QString MediumDateTimeString(const Clock &clock)
 {
-    return TitleText(clock, kMediumStyle, kMediumStyle);
+    return StyledTitleText(clock, kMediumStyle, kMediumStyle);
 }
 
 QString LongDateString(const Clock &clock)
 {
-    return TitleText(clock, kLongStyle, kNoStyle);
+    return StyledTitleText(clock, kLongStyle, kNoStyle);
 }
 
 QString LongDateTimeString(const Clock &clock)
 {
-    return TitleText(clock, kLongStyle, kLongStyle);
+    return StyledTitleText(clock, kLongStyle, kLongStyle);
 }
 
 QString FullDateString(const Clock &clock)
 {
-    return TitleText(clock, kFullStyle, kNoStyle);
+    return StyledTitleText(clock, kFullStyle, kNoStyle);
 }
 
 QString FullDateTimeString(const Clock &clock)
 {
-    return TitleText(clock, kFullStyle, kFullStyle);
+    return StyledTitleText(clock, kFullStyle, kFullStyle);
 }
 
 QString GMTString(const Clock &clock)

@@ -53,6 +53,11 @@ bool MakeCurrentDateString(const Clock &clock, DateFormatterStyle dateStyle,
 
 inline constexpr qint32 kDateStringBufferSize = 4096;
 
+// The working instant's styled text through the 4096-byte buffer, or "Horalo": what every
+// styled title shows.
+QString StyledTitleText(const Clock &clock, DateFormatterStyle dateStyle,
+                        DateFormatterStyle timeStyle);
+
 // The title operations: the working instant's text in their style pair, or "Horalo".
 QString ShortDateString(const Clock &clock);
 QString ShortDateTimeString(const Clock &clock);
