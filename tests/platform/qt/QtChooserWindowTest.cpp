@@ -1,0 +1,93 @@
+// The desktop's date-time chooser: a picker to the second whose action runs only for the user's
+// changes, and a window that floats and announces its closing.
+
+#include "platform/qt/QtPlatform.h"
+#include "support/QtPrinters.h"
+
+#include <QApplication>
+#include <QKeyEvent>
+#include <QTest>
+
+#include <gtest/gtest.h>
+
+namespace {
+
+// 2006-03-10 14:31:47 -0500.
+constexpr AbsoluteTime kFriday = 163711907.0;
+
+class QtChooser : public ::testing::Test
+{
+protected:
+    static void SetUpTestSuite()
+    {
+        static int argc = 1;
+        static char name[] = "horalo_qt_chooser_test";
+        static char *argv[] = {name, nullptr};
+        if (!QApplication::instance())
+            new QApplication(argc, argv);
+    }
+
+    void SetUp() override
+    {
+        center.addWindowWillCloseObserver([this](Window *closing) { closed.append(closing); });
+        window.setAction([this] { ++actions; });
+    }
+
+    LocalWindowNotificationCenter center;
+    QtChooserWindow window{center};
+    QList<Window *> closed;
+    int actions = 0;
+};
+
+TEST_F(QtChooser, TheProgramsOwnChangesRunNoActionAndKeepWholeSeconds)
+{
+    window.setDateValue(kFriday + 0.9);
+    EXPECT_EQ(window.dateValue(), kFriday);
+    EXPECT_EQ(window.calendar()->selectedDate(), QDate(2006, 3, 10)) << "in the local zone";
+    window.setDateValue(kFriday - 86400.0 * 365 * 40); // before 1970
+    EXPECT_EQ(window.dateValue(), kFriday - 86400.0 * 365 * 40);
+    EXPECT_EQ(actions, 0);
+}
+
+TEST_F(QtChooser, TheUsersChangesRunTheActionOnce)
+{
+    window.setDateValue(kFriday);
+    window.makeKeyAndOrderFront();
+    QTest::keyClick(window.timeField(), Qt::Key_Up); // the year section has the focus
+    EXPECT_EQ(actions, 1);
+    EXPECT_EQ(window.dateValue(), kFriday + 365 * 86400.0);
+    EXPECT_EQ(window.calendar()->selectedDate(), QDate(2007, 3, 10)) << "the calendar follows";
+
+    // A day clicked in the calendar keeps the time of day, across the change to summer time.
+    Q_EMIT window.calendar()->clicked(QDate(2007, 3, 20));
+    EXPECT_EQ(actions, 2);
+    EXPECT_EQ(window.dateValue(),
+              AbsoluteTimeFromDate(QDateTime(QDate(2007, 3, 20), QTime(14, 31, 47))));
+    EXPECT_EQ(window.timeField()->dateTime().toString(Qt::ISODate),
+              QStringLiteral("2007-03-20T14:31:47"));
+}
+
+TEST_F(QtChooser, ClosingByEscapeOrTheButtonAnnouncesItFirst)
+{
+    window.makeKeyAndOrderFront();
+    ASSERT_TRUE(window.isVisible());
+    QTest::keyClick(&window, Qt::Key_Escape);
+    EXPECT_FALSE(window.isVisible());
+    ASSERT_EQ(closed.size(), 1);
+    EXPECT_EQ(closed.first(), static_cast<Window *>(&window));
+
+    window.makeKeyAndOrderFront();
+    window.close();
+    EXPECT_EQ(closed.size(), 2);
+}
+
+TEST_F(QtChooser, AScreenSaverLevelFloatsAboveOtherWindows)
+{
+    EXPECT_FALSE(window.windowFlags().testFlag(Qt::WindowStaysOnTopHint));
+    window.setLevel(1000);
+    EXPECT_EQ(window.level(), 1000);
+    EXPECT_TRUE(window.windowFlags().testFlag(Qt::WindowStaysOnTopHint));
+    EXPECT_EQ(window.windowTitle(), QStringLiteral("Date-Time Chooser"));
+}
+
+} // namespace
