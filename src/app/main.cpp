@@ -73,19 +73,8 @@ int RunDesktopApplication(int argc, char *argv[])
 
 int main(int argc, char *argv[])
 {
-    QStringList arguments;
-    for (int i = 0; i < argc; ++i)
-        arguments.append(QString::fromLocal8Bit(argv[i]));
-    if (const std::optional<int> status = RunCommandLine(arguments))
+    if (const std::optional<int> status = RunCommandLine(argc, argv))
         return *status;
-
-    if (arguments.size() > 1) {
-        std::fprintf(stderr,
-                     "horalo: unknown command '%s' (commands: defaults, render, since, menu, "
-                     "title, copy)\n",
-                     argv[1]);
-        return 2;
-    }
     if (!HasDesktopSession()) {
         std::fprintf(stderr, "horalo: no desktop session here (DISPLAY and WAYLAND_DISPLAY are "
                              "unset); 'horalo render', 'horalo menu' and 'horalo defaults' work "

@@ -229,15 +229,17 @@ void StatusMenu::itemTitleTimerAction(Timer *)
     // An unknown name leaves whatever title the item had.
 }
 
-QStringList DescribeMenu(const Menu &menu)
+QStringList DescribeMenu(const Menu &menu, QString (*shown)(const QString &))
 {
     QStringList lines;
     for (const MenuItem &item : menu.items()) {
-        if (item.separator)
+        if (item.separator) {
             lines.append(QStringLiteral("-"));
-        else
-            lines.append(item.title + QLatin1Char('\t') + item.action + QLatin1Char('\t') +
-                         item.toolTip);
+            continue;
+        }
+        const QString title = shown ? shown(item.title) : item.title;
+        const QString toolTip = shown ? shown(item.toolTip) : item.toolTip;
+        lines.append(title + QLatin1Char('\t') + item.action + QLatin1Char('\t') + toolTip);
     }
     return lines;
 }

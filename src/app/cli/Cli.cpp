@@ -3,6 +3,7 @@
 #include "app/cli/DefaultsCommand.h"
 #include "app/cli/MenuCommand.h"
 #include "app/cli/RenderCommand.h"
+#include "app/cli/TerminalText.h"
 
 #include <cstdio>
 
@@ -35,4 +36,24 @@ std::optional<int> RunCommandLine(const QStringList &arguments)
         }
     }
     return std::nullopt;
+}
+
+std::optional<int> RunCommandLine(int argc, const char *const argv[])
+{
+    if (argc < 2)
+        return std::nullopt;
+    QTextStream err(stderr);
+    QString error;
+    // A byte sequence that is not text would reach the store or the renderers as U+FFFD.
+    const std::optional<QStringList> arguments = DecodeArguments(argc, argv, error);
+    if (!arguments) {
+        PrintCommandLineError(err, error);
+        return 2;
+    }
+    if (const std::optional<int> status = RunCommandLine(*arguments))
+        return status;
+    PrintCommandLineError(err, QStringLiteral("unknown command '%1' (commands: defaults, render, "
+                                              "since, menu, title, copy)")
+                                   .arg(arguments->at(1)));
+    return 2;
 }

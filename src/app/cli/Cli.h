@@ -12,3 +12,8 @@ using CliCommand = int (*)(const QStringList &args, QTextStream &out, QTextStrea
 // (the desktop application should start instead).
 #include <optional>
 std::optional<int> RunCommandLine(const QStringList &arguments);
+
+// The process's arguments: std::nullopt when there are none (the desktop application should
+// start), otherwise the exit status of the command they name. Arguments that are not valid
+// UTF-8, or an unknown command, give one line on stderr and status 2.
+std::optional<int> RunCommandLine(int argc, const char *const argv[]);

@@ -1,5 +1,6 @@
 #include "app/cli/DefaultsCommand.h"
 
+#include "app/cli/TerminalText.h"
 #include "app/settings/Settings.h"
 #include "platform/AppIdentifier.h"
 #include "platform/PreferencesStore.h"
@@ -28,7 +29,7 @@ struct Failure
 
 void PrintError(QTextStream &err, const QString &message)
 {
-    err << "horalo defaults: " << message << '\n';
+    PrintCommandLineError(err, message);
 }
 
 QString Quoted(const QString &text)
@@ -151,10 +152,25 @@ QString QuotedIfNeeded(const QString &text)
             escaped += QStringLiteral("\\n");
         else if (c == u'\t')
             escaped += QStringLiteral("\\t");
+        else if (c == u'\r')
+            escaped += QStringLiteral("\\r");
+        else if (IsControlCharacter(c.unicode()))
+            escaped += QStringLiteral("\\U%1").arg(c.unicode(), 4, 16, QLatin1Char('0'));
         else
             escaped += c;
     }
     return u'"' + escaped + u'"';
+}
+
+// A value read on its own is printed as it stands, so that scripts get the text itself; one
+// holding characters a terminal would act on is quoted and escaped like a string in a list.
+QString TopLevelString(const QString &text)
+{
+    for (const QChar c : text) {
+        if (IsControlCharacter(c.unicode()) && c != u'\n' && c != u'\t')
+            return QuotedIfNeeded(text);
+    }
+    return text;
 }
 
 QString Describe(const QVariant &value, int level, bool topLevel)
@@ -177,7 +193,7 @@ QString Describe(const QVariant &value, int level, bool topLevel)
     case QMetaType::QByteArray:
         return u'<' + QString::fromLatin1(value.toByteArray().toHex()) + u'>';
     case QMetaType::QString:
-        return topLevel ? value.toString() : QuotedIfNeeded(value.toString());
+        return topLevel ? TopLevelString(value.toString()) : QuotedIfNeeded(value.toString());
     case QMetaType::QStringList:
     case QMetaType::QVariantList: {
         const QVariantList list = value.toList();
@@ -260,10 +276,21 @@ int Write(PreferencesStore &store, DistributedNotificationCenter *center, const 
         PrintError(err, QStringLiteral("the key must not be empty"));
         return 2;
     }
+    // Anything the file would have to change or drop is refused here, before it is stored.
+    if (!PropertyListCanKeepText(key)) {
+        PrintError(err, QStringLiteral("the key ") + Quoted(key) +
+                            QStringLiteral(" holds a character the settings file cannot keep"));
+        return 2;
+    }
     Failure failure;
     const std::optional<QVariant> value = ParseTypedValue(args.at(2), args.mid(3), failure);
     if (!value) {
         PrintError(err, failure.message);
+        return 2;
+    }
+    if (const std::optional<QString> text = FirstTextPropertyListCannotKeep(*value)) {
+        PrintError(err, QStringLiteral("the value ") + Quoted(*text) +
+                            QStringLiteral(" holds a character the settings file cannot keep"));
         return 2;
     }
     store.appSynchronize(AppIdentifier);
@@ -305,8 +332,8 @@ int RunDefaultsCommandOn(PreferencesStore &store, DistributedNotificationCenter 
         return Write(store, center, args, err);
     if (verb == u"delete")
         return Delete(store, center, args, err);
-    PrintError(err, verb.isEmpty() ? QStringLiteral("missing command (read, write or delete)")
-                                   : QStringLiteral("unknown command ") + Quoted(verb) +
+    PrintError(err, verb.isEmpty() ? QStringLiteral("defaults needs read, write or delete")
+                                   : QStringLiteral("unknown defaults command ") + Quoted(verb) +
                                          QStringLiteral(" (read, write or delete)"));
     return 2;
 }

@@ -1,6 +1,7 @@
 #include "app/cli/MenuCommand.h"
 
 #include "app/AppController.h"
+#include "app/cli/TerminalText.h"
 #include "app/cli/TimeArgument.h"
 #include "datetext/DateText.h"
 #include "platform/memory/InMemoryPlatform.h"
@@ -40,7 +41,7 @@ bool TakeOptionsOnly(QStringList &args, TimeOptions &options, QTextStream &err)
 {
     QString error;
     if (!TakeTimeOptions(args, options, error)) {
-        err << "horalo: " << error << '\n';
+        PrintCommandLineError(err, error);
         return false;
     }
     return true;
@@ -50,7 +51,7 @@ bool NoArgumentsLeft(const QStringList &args, QTextStream &err)
 {
     if (args.isEmpty())
         return true;
-    err << "horalo: unexpected argument: " << args.first() << '\n';
+    PrintCommandLineError(err, QStringLiteral("unexpected argument '%1'").arg(args.first()));
     return false;
 }
 
@@ -65,7 +66,9 @@ int RunMenuCommand(const QStringList &arguments, QTextStream &out, QTextStream &
     HeadlessApplication app(options);
     // What the user sees: the menu as rebuilt when it is about to open.
     app.platform().statusItem()->openMenu();
-    for (const QString &line : DescribeMenu(*app.controller().statusMenu().menu()))
+    // A custom format can hold anything, and the rows are fields split by tabs.
+    for (const QString &line :
+         DescribeMenu(*app.controller().statusMenu().menu(), WithoutControlCharacters))
         out << line << '\n';
     return 0;
 }
@@ -81,7 +84,7 @@ int RunTitleCommand(const QStringList &arguments, QTextStream &out, QTextStream 
     app.controller().itemTitleTimerAction(app.controller().statusMenu().itemTitleTimer());
     // A refresh that would leave the title as it was prints nothing.
     if (item.titleSetCount() > 0)
-        out << item.title() << '\n';
+        out << WithoutControlCharacters(item.title()) << '\n';
     return 0;
 }
 
@@ -96,7 +99,7 @@ int RunCopyCommand(const QStringList &arguments, QTextStream &out, QTextStream &
     const qsizetype formatAt = args.indexOf(QStringLiteral("--format"));
     if (formatAt >= 0) {
         if (formatAt + 1 >= args.size()) {
-            err << "horalo: --format needs a format string\n";
+            PrintCommandLineError(err, u"--format needs a format string");
             return 2;
         }
         sender.action = QStringLiteral("customDateFormatter:");
@@ -106,12 +109,14 @@ int RunCopyCommand(const QStringList &arguments, QTextStream &out, QTextStream &
         const QString name = args.takeFirst();
         sender.action = CopyActionForMenuName(name);
         if (sender.action.isEmpty()) {
-            err << "horalo: not a menu format name: \"" << name
-                << "\" (try \"Numerical Date\" or --format STRING)\n";
+            PrintCommandLineError(
+                err, QStringLiteral("not a menu format name: '%1' (try 'Numerical Date' or "
+                                    "--format STRING)")
+                         .arg(name));
             return 2;
         }
     } else {
-        err << "horalo: copy needs a menu format name or --format STRING\n";
+        PrintCommandLineError(err, u"copy needs a menu format name or --format STRING");
         return 2;
     }
     if (!NoArgumentsLeft(args, err))
@@ -122,7 +127,7 @@ int RunCopyCommand(const QStringList &arguments, QTextStream &out, QTextStream &
     app.controller().performAction(sender.action, sender);
     const std::optional<QByteArray> copied = app.platform().clipboard.contents();
     if (!copied) {
-        err << "horalo: the text cannot be produced; nothing was copied\n";
+        PrintCommandLineError(err, u"the text cannot be produced; nothing was copied");
         return 1;
     }
     out << QString::fromUtf8(*copied) << '\n';

@@ -1,5 +1,6 @@
 #include "app/cli/RenderCommand.h"
 
+#include "app/cli/TerminalText.h"
 #include "app/cli/TimeArgument.h"
 #include "datetext/DateFormatCatalogue.h"
 #include "datetext/DateText.h"
@@ -71,7 +72,7 @@ bool ParseArguments(const QStringList &args, const QStringList &withValue, Parse
         const qsizetype equals = arg.indexOf(QLatin1Char('='));
         const QString name = equals < 0 ? arg : arg.left(equals);
         if (!withValue.contains(name)) {
-            error = u"horalo: unknown option '%1'"_s.arg(name);
+            error = u"unknown option '%1'"_s.arg(name);
             return false;
         }
         if (equals >= 0) {
@@ -79,7 +80,7 @@ bool ParseArguments(const QStringList &args, const QStringList &withValue, Parse
         } else if (i + 1 < rest.size()) {
             parsed.values.insert(name, rest.at(++i));
         } else {
-            error = u"horalo: %1 needs a value"_s.arg(name);
+            error = u"%1 needs a value"_s.arg(name);
             return false;
         }
     }
@@ -88,7 +89,7 @@ bool ParseArguments(const QStringList &args, const QStringList &withValue, Parse
 
 int Fail(QTextStream &err, const QString &message, int status = 2)
 {
-    err << message << '\n';
+    PrintCommandLineError(err, message);
     return status;
 }
 
@@ -114,12 +115,11 @@ int RunRenderCommand(const QStringList &args, QTextStream &out, QTextStream &err
         return Fail(err, error);
     const bool hasFormat = parsed.values.contains(u"--format"_s);
     if (hasFormat && !parsed.positional.isEmpty())
-        return Fail(err, u"horalo: give either a format NAME or --format STRING, not both"_s);
+        return Fail(err, u"give either a format NAME or --format STRING, not both"_s);
     if (!hasFormat && parsed.positional.size() != 1) {
-        return Fail(err,
-                    parsed.positional.isEmpty()
-                        ? u"horalo: render needs a format NAME or --format STRING"_s
-                        : u"horalo: render takes one format NAME (quote a name with spaces)"_s);
+        return Fail(err, parsed.positional.isEmpty()
+                             ? u"render needs a format NAME or --format STRING"_s
+                             : u"render takes one format NAME (quote a name with spaces)"_s);
     }
 
     const ScopedDateState state;
@@ -143,10 +143,10 @@ int RunRenderCommand(const QStringList &args, QTextStream &out, QTextStream &err
         else if (const std::optional<QString> title = TitleFormatText(name, clock))
             text = *title;
         else
-            return Fail(err, u"horalo: unknown format name '%1'"_s.arg(name));
+            return Fail(err, u"unknown format name '%1'"_s.arg(name));
     }
     if (text.isNull())
-        return Fail(err, u"horalo: the text cannot be produced"_s, 1);
+        return Fail(err, u"the text cannot be produced"_s, 1);
     out << text << '\n';
     return 0;
 }
@@ -158,32 +158,29 @@ int RunSinceCommand(const QStringList &args, QTextStream &out, QTextStream &err)
     if (!ParseArguments(args, {u"--depth"_s, u"--unit"_s}, parsed, error))
         return Fail(err, error);
     if (parsed.positional.size() != 1) {
-        return Fail(err, parsed.positional.isEmpty() ? u"horalo: since needs a TIME"_s
-                                                     : u"horalo: since takes one TIME"_s);
+        return Fail(err, parsed.positional.isEmpty() ? u"since needs a TIME"_s
+                                                     : u"since takes one TIME"_s);
     }
-    const std::optional<AbsoluteTime> time = ParseTimeArgument(parsed.positional.first());
-    if (!time) {
-        return Fail(err, u"horalo: cannot read the time '%1' (give ISO 8601 with an offset, such "
-                         u"as 2006-03-10T14:31:47-05:00, or @SECONDS since 1970)"_s.arg(
-                             parsed.positional.first()));
-    }
+    const std::optional<AbsoluteTime> time = ReadTimeArgument(parsed.positional.first(), error);
+    if (!time)
+        return Fail(err, error);
     const bool hasDepth = parsed.values.contains(u"--depth"_s);
     const bool hasUnit = parsed.values.contains(u"--unit"_s);
     if (hasDepth && hasUnit)
-        return Fail(err, u"horalo: give --depth or --unit, not both"_s);
+        return Fail(err, u"give --depth or --unit, not both"_s);
     std::optional<qint32> depth;
     std::optional<qint32> unit;
     if (hasDepth) {
         depth = ParseInteger(parsed.values.value(u"--depth"_s));
         if (!depth)
-            return Fail(err, u"horalo: --depth needs an integer, not '%1'"_s.arg(
+            return Fail(err, u"--depth needs an integer, not '%1'"_s.arg(
                                  parsed.values.value(u"--depth"_s)));
     }
     if (hasUnit) {
         unit = ParseInteger(parsed.values.value(u"--unit"_s));
         // Checked here: the phrase itself fails loudly on a unit outside the table.
         if (!unit || *unit < 1 || *unit > 7)
-            return Fail(err, u"horalo: --unit needs an integer from 1 (seconds) to 7 (years), "
+            return Fail(err, u"--unit needs an integer from 1 (seconds) to 7 (years), "
                              u"not '%1'"_s.arg(parsed.values.value(u"--unit"_s)));
     }
 
@@ -196,7 +193,7 @@ int RunSinceCommand(const QStringList &args, QTextStream &out, QTextStream &err)
     const std::optional<NSDateExtensions> date =
         NSDateExtensions::dateFromCFAbsoluteTime(clock, *time);
     if (!date)
-        return Fail(err, u"horalo: no date can be made for that time"_s, 1);
+        return Fail(err, u"no date can be made for that time"_s, 1);
     const QString phrase = depth  ? date->timesinceWithDepth(*depth)
                            : unit ? date->timesinceWithUnit(*unit)
                                   : date->timesince();

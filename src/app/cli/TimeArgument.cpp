@@ -10,6 +10,14 @@ using namespace Qt::StringLiterals;
 
 namespace {
 
+constexpr qint64 kLimitYear = 1000000;
+constexpr AbsoluteTime kEarliest =
+    double(ProlepticGregorian::DaysFromCivil(-kLimitYear, 1, 1)) * 86400.0 -
+    kAbsoluteTimeIntervalSince1970;
+constexpr AbsoluteTime kLatest =
+    double(ProlepticGregorian::DaysFromCivil(kLimitYear, 12, 31)) * 86400.0 + 86399.0 -
+    kAbsoluteTimeIntervalSince1970;
+
 // "0.25" from the digits after the point, to double precision.
 double FractionFromDigits(const QString &digits)
 {
@@ -72,6 +80,26 @@ std::optional<AbsoluteTime> ParseTimeArgument(const QString &text)
     return ParseIso8601(text);
 }
 
+const QString kTimeArgumentRange =
+    u"years -1000000 to 1000000 (-1000000-01-01T00:00:00Z to 1000000-12-31T23:59:59Z)"_s;
+
+std::optional<AbsoluteTime> ReadTimeArgument(const QString &text, QString &error)
+{
+    const std::optional<AbsoluteTime> time = ParseTimeArgument(text);
+    if (!time) {
+        error = u"cannot read the time '%1' (give ISO 8601 with an offset, such as "
+                u"2006-03-10T14:31:47-05:00, or @SECONDS since 1970)"_s.arg(text);
+        return std::nullopt;
+    }
+    // A fraction past the last second still shows as that second.
+    if (*time < kEarliest || *time >= kLatest + 1.0) {
+        error = u"the time '%1' is outside the range Horalo can show: %2"_s.arg(text,
+                                                                                kTimeArgumentRange);
+        return std::nullopt;
+    }
+    return time;
+}
+
 bool TakeTimeOptions(QStringList &args, TimeOptions &options, QString &error)
 {
     QStringList rest;
@@ -106,15 +134,12 @@ bool TakeTimeOptions(QStringList &args, TimeOptions &options, QString &error)
             continue;
         }
         if (!hasValue) {
-            error = u"horalo: %1 needs a TIME"_s.arg(name);
+            error = u"%1 needs a TIME"_s.arg(name);
             return false;
         }
-        const std::optional<AbsoluteTime> time = ParseTimeArgument(value);
-        if (!time) {
-            error = u"horalo: cannot read the time '%1' (give ISO 8601 with an offset, such as "
-                    u"2006-03-10T14:31:47-05:00, or @SECONDS since 1970)"_s.arg(value);
+        const std::optional<AbsoluteTime> time = ReadTimeArgument(value, error);
+        if (!time)
             return false;
-        }
         *target = time;
     }
     args = rest;

@@ -11,6 +11,15 @@
 // "@SECONDS" since the Unix epoch (@1142019107); fractions of a second are allowed in both.
 std::optional<AbsoluteTime> ParseTimeArgument(const QString &text);
 
+// The range of TIME, as help texts and errors state it. Every text can be rendered for these
+// instants in every zone; far beyond them the locale library computes no calendar fields, and
+// texts would come out empty or as the fallback.
+extern const QString kTimeArgumentRange;
+
+// A TIME argument as the commands take it: std::nullopt for text that is not a TIME or lies
+// outside kTimeArgumentRange, with `error` set to one line saying which (without a prefix).
+std::optional<AbsoluteTime> ReadTimeArgument(const QString &text, QString &error);
+
 // The options every date command shares: `--now TIME` fixes the clock, `--at TIME` picks the
 // working instant as the chooser would.
 struct TimeOptions
@@ -20,5 +29,5 @@ struct TimeOptions
 };
 
 // Takes --now and --at (with their values) out of args. On bad input returns false and sets
-// error to a one-line message.
+// error to a one-line message (without a prefix).
 bool TakeTimeOptions(QStringList &args, TimeOptions &options, QString &error);

@@ -480,6 +480,54 @@ std::optional<QVariant> ParseBinary(const QByteArray &bytes)
 
 } // namespace
 
+bool PropertyListCanKeepText(QStringView text)
+{
+    for (qsizetype i = 0; i < text.size(); ++i) {
+        const QChar c = text.at(i);
+        const char16_t u = c.unicode();
+        if (c.isHighSurrogate() && i + 1 < text.size() && text.at(i + 1).isLowSurrogate()) {
+            ++i;
+            continue;
+        }
+        if (c.isSurrogate() || u == 0xFFFE || u == 0xFFFF ||
+            (u < 0x20 && u != u'\t' && u != u'\n' && u != u'\r'))
+            return false;
+    }
+    return true;
+}
+
+std::optional<QString> FirstTextPropertyListCannotKeep(const QVariant &value)
+{
+    switch (value.typeId()) {
+    case QMetaType::QString: {
+        const QString text = value.toString();
+        return PropertyListCanKeepText(text) ? std::nullopt : std::optional<QString>(text);
+    }
+    case QMetaType::QStringList:
+    case QMetaType::QVariantList: {
+        const QVariantList list = value.toList();
+        for (const QVariant &element : list) {
+            if (std::optional<QString> text = FirstTextPropertyListCannotKeep(element))
+                return text;
+        }
+        return std::nullopt;
+    }
+    case QMetaType::QVariantMap:
+    case QMetaType::QVariantHash: {
+        const QVariantMap map = value.toMap();
+        for (auto it = map.cbegin(); it != map.cend(); ++it) {
+            if (!PropertyListCanKeepText(it.key()))
+                return it.key();
+            if (std::optional<QString> text = FirstTextPropertyListCannotKeep(it.value()))
+                return text;
+        }
+        return std::nullopt;
+    }
+    default:
+        return std::nullopt;
+    }
+}
+
 std::optional<QVariant> NormalizedPropertyListValue(const QVariant &value)
 {
     return Normalized(value, 0);

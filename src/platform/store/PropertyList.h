@@ -1,6 +1,7 @@
 #pragma once
 
 #include <QByteArray>
+#include <QStringView>
 #include <QVariant>
 #include <QVariantMap>
 
@@ -21,6 +22,14 @@
 // list has no finer unit). std::nullopt for a value no property list can hold; elements of a
 // list or dictionary that none can hold are dropped.
 std::optional<QVariant> NormalizedPropertyListValue(const QVariant &value);
+
+// Whether an XML property list carries the text exactly: no control characters but tab, line
+// feed and carriage return, no U+FFFE or U+FFFF, no unpaired surrogates.
+bool PropertyListCanKeepText(QStringView text);
+
+// The first string in the value, dictionary keys included, that PropertyListCanKeepText()
+// refuses; std::nullopt when the whole value can be kept.
+std::optional<QString> FirstTextPropertyListCannotKeep(const QVariant &value);
 
 // Parses an XML or binary ("bplist00") property list. std::nullopt when the bytes are not a
 // well-formed property list.

@@ -72,6 +72,21 @@ TEST_F(DefaultsCommandTest, ReadingTheDomainPrintsEveryKey)
                         "}\n"_s);
 }
 
+TEST_F(DefaultsCommandTest, WhatATerminalWouldActOnIsPrintedEscaped)
+{
+    // Tab, line feed and carriage return are what XML carries; DEL and the C1 controls (U+009B
+    // starts a terminal command on its own) it carries too.
+    const QString hostile = u"a\tb\nc\rd\u007fe\u009b2J"_s;
+    ASSERT_EQ(run({u"write"_s, u"k"_s, u"-string"_s, hostile}).status, 0);
+    EXPECT_EQ(stored(u"k"_s), QVariant(hostile));
+    EXPECT_EQ(run({u"read"_s, u"k"_s}).out, u"\"a\\tb\\nc\\rd\\U007fe\\U009b2J\"\n"_s);
+    EXPECT_EQ(run({u"read"_s}).out, u"{\n    k = \"a\\tb\\nc\\rd\\U007fe\\U009b2J\";\n}\n"_s);
+
+    // A value on its own keeps its tabs and line feeds, so that scripts read the text itself.
+    ASSERT_EQ(run({u"write"_s, u"k"_s, u"-string"_s, u"two\tcolumns\nand lines"_s}).status, 0);
+    EXPECT_EQ(run({u"read"_s, u"k"_s}).out, u"two\tcolumns\nand lines\n"_s);
+}
+
 TEST_F(DefaultsCommandTest, DeleteRemovesOnlyItsKey)
 {
     run({u"write"_s, u"a"_s, u"-int"_s, u"1"_s});
@@ -93,8 +108,8 @@ TEST_F(DefaultsCommandTest, BadInputSaysWhatIsWrongInOneLineAndChangesNothing)
         QStringList args;
         QString problem;
     } cases[] = {
-        {{}, u"missing command"_s},
-        {{u"frobnicate"_s}, u"unknown command 'frobnicate'"_s},
+        {{}, u"needs read, write or delete"_s},
+        {{u"frobnicate"_s}, u"unknown defaults command 'frobnicate'"_s},
         {{u"read"_s, u"a"_s, u"b"_s}, u"at most one key"_s},
         {{u"read"_s, u"missing"_s}, u"'missing' does not exist"_s},
         {{u"write"_s}, u"needs a key"_s},
@@ -114,13 +129,20 @@ TEST_F(DefaultsCommandTest, BadInputSaysWhatIsWrongInOneLineAndChangesNothing)
         {{u"delete"_s}, u"delete needs a key"_s},
         {{u"delete"_s, u"k"_s, u"j"_s}, u"delete takes one key"_s},
         {{u"delete"_s, u"missing"_s}, u"'missing' does not exist"_s},
+        // What the file cannot carry is refused, not quietly turned into something else.
+        {{u"write"_s, u"a\u0001b"_s, u"-string"_s, u"x"_s}, u"the key 'a\\x01b' holds"_s},
+        {{u"write"_s, u"k"_s, u"-string"_s, QString(u"a\0b"_s)}, u"the value 'a\\x00b' holds"_s},
+        {{u"write"_s, u"k"_s, u"-array"_s, u"ok"_s, u"\u001b[2J"_s}, u"'\\x1b[2J' holds"_s},
+        {{u"write"_s, u"k"_s, u"-string"_s, u"\uffff"_s}, u"holds a character"_s},
+        // Arguments are shown escaped, so the message stays on one line.
+        {{u"read"_s, u"two\nlines"_s}, u"'two\\nlines' does not exist"_s},
     };
     for (const auto &c : cases) {
         const Result result = run(c.args);
         const QString what = c.args.join(u' ');
         EXPECT_EQ(result.status, 2) << qPrintable(what);
         EXPECT_TRUE(result.out.isEmpty()) << qPrintable(what);
-        EXPECT_TRUE(result.err.startsWith(u"horalo defaults: "_s)) << qPrintable(result.err);
+        EXPECT_TRUE(result.err.startsWith(u"horalo: "_s)) << qPrintable(result.err);
         EXPECT_TRUE(result.err.contains(c.problem)) << qPrintable(result.err);
         EXPECT_EQ(result.err.count(u'\n'), 1) << qPrintable(result.err);
         EXPECT_TRUE(result.err.endsWith(u'\n'));

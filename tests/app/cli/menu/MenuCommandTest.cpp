@@ -101,6 +101,21 @@ TEST_F(HeadlessCommands, TitlePrintsOneRefreshOrNothing)
               QStringLiteral("14:31\n"));
 }
 
+TEST_F(HeadlessCommands, ControlCharactersFromTheStoreNeverReachTheTerminal)
+{
+    // The settings file carries DEL, the C1 controls and tabs; a terminal acts on the first two
+    // (U+009B starts a command), and a tab would split the menu's rows into false fields.
+    store(SettingsKey::MenuTitleFormatter, QStringLiteral("%H\u009b2J\u007f"));
+    EXPECT_EQ(run(RunTitleCommand, {QStringLiteral("--now"), kFriday}).out,
+              QStringLiteral("14\uFFFD2J\uFFFD\n"));
+
+    store(SettingsKey::CustomDates, QVariantList{QStringLiteral("%Y\t\u009b")});
+    const QStringList lines =
+        run(RunMenuCommand, {QStringLiteral("--now"), kFriday}).out.split(QLatin1Char('\n'));
+    EXPECT_TRUE(
+        lines.contains(QStringLiteral("2006\uFFFD\uFFFD\tcustomDateFormatter:\t%Y\uFFFD\uFFFD")));
+}
+
 TEST_F(HeadlessCommands, CopyPrintsWhatTheEntryWouldCopy)
 {
     EXPECT_EQ(run(RunCopyCommand,
@@ -125,12 +140,17 @@ TEST_F(HeadlessCommands, BadInputIsOneLineAndStatusTwo)
         {RunCopyCommand, {QStringLiteral("--format")}},
         {RunMenuCommand, {QStringLiteral("--now"), QStringLiteral("yesterday")}},
         {RunTitleCommand, {QStringLiteral("extra")}},
+        {RunTitleCommand, {QStringLiteral("--now")}},
+        {RunCopyCommand, {QStringLiteral("--at"), QStringLiteral("@999999999999999")}},
+        {RunMenuCommand, {QStringLiteral("--at=+999999999-12-31T23:59:59Z")}},
     };
     for (const auto &c : cases) {
         const Result result = run(c.command, c.args);
         EXPECT_EQ(result.status, 2) << c.args.join(QLatin1Char(' ')).toStdString();
         EXPECT_TRUE(result.out.isEmpty());
         EXPECT_EQ(result.err.count(QLatin1Char('\n')), 1) << result.err.toStdString();
+        EXPECT_TRUE(result.err.startsWith(QStringLiteral("horalo: ")));
+        EXPECT_EQ(result.err.count(QStringLiteral("horalo")), 1) << result.err.toStdString();
     }
     EXPECT_FALSE(QFile::exists(QString::fromUtf8(m_config) +
                                QStringLiteral("/horalo/org.horalo.Horalo.plist")))

@@ -1,5 +1,6 @@
 #include "app/cli/RenderCommand.h"
 
+#include "datetext/DateFormatCatalogue.h"
 #include "datetext/DateText.h"
 
 #include <gtest/gtest.h>
@@ -114,6 +115,60 @@ TEST_F(DateCommandTest, RenderRejectsBadInputWithOneLineAndStatusTwo)
     expectBadInput(render({u"--format"_s}));
     expectBadInput(render({u"Long Date"_s, u"--at"_s, u"yesterday"_s}));
     expectBadInput(render({u"Long Date"_s, u"--colour"_s, u"red"_s}));
+}
+
+TEST_F(DateCommandTest, ErrorsShowTheArgumentEscapedOnOneLine)
+{
+    const CommandResult result = render({u"Long Date"_s, u"--colour\n\u001b[31m"_s});
+    expectBadInput(result);
+    EXPECT_EQ(result.err, u"horalo: unknown option '--colour\\n\\x1b[31m'\n"_s);
+    const CommandResult time = render({u"Long Date"_s, u"--at"_s, u"\r@5\u009b"_s});
+    expectBadInput(time);
+    EXPECT_TRUE(time.err.startsWith(u"horalo: cannot read the time '\\r@5\\u009b'"_s))
+        << time.err.toStdString();
+}
+
+// The range TIME accepts is the range every text can be rendered for: at both ends, in the
+// zones furthest ahead of and behind GMT, no format comes out empty or as the fallback.
+TEST_F(DateCommandTest, EveryFormatRendersAtBothEndsOfTheTimeRange)
+{
+    for (const char *zone : {"Pacific/Kiritimati", "Etc/GMT+12"}) {
+        setenv("TZ", zone, 1);
+        for (const QString &at : {u"-1000000-01-01T00:00:00Z"_s, u"1000000-12-31T23:59:59Z"_s}) {
+            for (const CatalogueFormat &format : DateFormatCatalogue()) {
+                const CommandResult result =
+                    render({format.menuName.toString(), u"--at"_s, at, u"--now"_s, at});
+                EXPECT_EQ(result.status, 0)
+                    << zone << ' ' << at.toStdString() << ' '
+                    << format.menuName.toString().toStdString() << ' ' << result.err.toStdString();
+                EXPECT_GT(result.out.size(), 4) << result.out.toStdString();
+                EXPECT_NE(result.out, kFallbackText + u'\n');
+            }
+            EXPECT_EQ(render({u"--format"_s, u"%Y %j %H:%M:%S %z"_s, u"--at"_s, at}).status, 0);
+            EXPECT_EQ(render({u"GMT"_s, u"--now"_s, at}).status, 0);
+        }
+    }
+    setenv("TZ", "America/New_York", 1);
+    EXPECT_EQ(render({u"Numerical Date Time"_s, u"--at"_s, u"1000000-12-31T23:59:59Z"_s}).out,
+              u"1000000-12-31 18:59:59\n"_s);
+    EXPECT_EQ(render({u"Numerical Date"_s, u"--at"_s, u"-1000000-01-01T00:00:00Z"_s}).out,
+              u"-1000001-12-31\n"_s);
+}
+
+TEST_F(DateCommandTest, TimesOutsideTheRangeAreRefusedWithTheRange)
+{
+    for (const QString &time :
+         {u"@999999999999999"_s, u"+999999999-12-31T23:59:59Z"_s, u"1000001-01-01T00:00:00Z"_s,
+          u"-1000000-01-01T00:00:00+00:01"_s, u"-1000001-12-31T23:59:59Z"_s}) {
+        for (const QString &option : {u"--now"_s, u"--at"_s}) {
+            const CommandResult result = render({u"Long Date"_s, option, time});
+            expectBadInput(result);
+            EXPECT_TRUE(result.err.contains(u"outside the range"_s)) << result.err.toStdString();
+            EXPECT_TRUE(result.err.contains(u"1000000-12-31T23:59:59Z"_s));
+        }
+        expectBadInput(since({time, u"--now"_s, u"@0"_s}));
+    }
+    EXPECT_EQ(render({u"Long Date"_s, u"--at"_s, u"1000000-12-31T23:59:59.5Z"_s}).status, 0);
 }
 
 TEST_F(DateCommandTest, SincePrintsThePhrase)

@@ -85,7 +85,8 @@ TEST(TakeTimeOptionsTest, AMissingOrUnreadableTimeIsAOneLineError)
         TimeOptions options;
         QString error;
         EXPECT_FALSE(TakeTimeOptions(args, options, error));
-        EXPECT_TRUE(error.startsWith(u"horalo: "_s));
+        EXPECT_FALSE(error.isEmpty());
+        EXPECT_FALSE(error.startsWith(u"horalo"_s)) << "the printer adds the one prefix";
         EXPECT_FALSE(error.contains(QLatin1Char('\n')));
     }
 }
