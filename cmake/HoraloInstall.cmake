@@ -14,3 +14,7 @@ foreach(size IN ITEMS 16 22 24 32 48 64 128 256)
             DESTINATION ${CMAKE_INSTALL_DATADIR}/icons/hicolor/${size}x${size}/apps
             RENAME horalo.png)
 endforeach()
+
+# The running application's interface on the session bus, for programs that talk to it.
+install(FILES ${PROJECT_SOURCE_DIR}/resources/dbus/org.horalo.Horalo.xml
+        DESTINATION ${CMAKE_INSTALL_DATADIR}/dbus-1/interfaces)

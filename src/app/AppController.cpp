@@ -117,10 +117,12 @@ int AppController::putStringOnClipboard(const QByteArray &utf8)
     return PutStringOnClipboard(m_platform.clipboard, utf8);
 }
 
-void AppController::copy(const QString &action, const MenuItem &sender)
+std::optional<QByteArray> AppController::copy(const QString &action, const MenuItem &sender)
 {
-    if (const auto text = CopyTextForAction(m_platform.clock, action, sender))
-        putStringOnClipboard(*text);
+    std::optional<QByteArray> text = CopyTextForAction(m_platform.clock, action, sender);
+    if (text && putStringOnClipboard(*text) != 0)
+        return std::nullopt;
+    return text;
 }
 
 void PreferencesChangedCallback(DistributedNotificationCenter *, void *observer, const QString &,

@@ -5,7 +5,10 @@
 #include "platform/Platform.h"
 #include "statusmenu/StatusMenu.h"
 
+#include <QByteArray>
 #include <QStringList>
+
+#include <optional>
 
 // The one application controller: start-up, the single rebuild path, and every action the
 // status menu sends.
@@ -65,6 +68,9 @@ public:
     }
     // Clears the clipboard and puts the UTF-8 bytes as its one item; 0 on success.
     int putStringOnClipboard(const QByteArray &utf8);
+    // Runs a copy action as choosing its entry does, and tells what reached the clipboard:
+    // nothing when the text cannot be produced or the clipboard refuses it.
+    std::optional<QByteArray> copy(const QString &action, const MenuItem &sender);
 
     void itemTitleTimerAction(Timer *timer) { m_statusMenu.itemTitleTimerAction(timer); }
 
@@ -80,8 +86,6 @@ public:
     int setupCount() const { return m_setupCount; }
 
 private:
-    void copy(const QString &action, const MenuItem &sender);
-
     Platform &m_platform;
     Window *m_preferencesWindow;
     StatusMenu m_statusMenu;

@@ -1,11 +1,15 @@
 // Horalo: the date and time in the desktop's status area.
 
 #include "app/AppController.h"
+#include "app/DeferToRunningInstance.h"
+#include "app/SessionController.h"
 #include "app/cli/Cli.h"
 #include "datetext/DateText.h"
 #include "platform/Version.h"
 #include "platform/dbus/DBusNotificationCenter.h"
 #include "platform/qt/QtPlatform.h"
+#include "platform/qt/StatusAreaNotice.h"
+#include "platform/qt/session/DBusSessionService.h"
 #include "platform/store/PlistPreferencesStore.h"
 #include "prefpane/PreferencesUi.h"
 
@@ -40,6 +44,11 @@ int RunDesktopApplication(int argc, char *argv[])
     QApplication::setQuitOnLastWindowClosed(false);
     QApplication::setWindowIcon(LoadIconResource(QStringLiteral("Horalo.svg")));
 
+    DBusSessionService session(QDBusConnection::sessionBus());
+    QTextStream out(stdout);
+    if (const std::optional<int> status = DeferToRunningInstance(session, out))
+        return *status;
+
     PlistPreferencesStore store;
     UserDefaults userDefaults(store, AppIdentifier, LocaleDefaultsRegistration);
     DBusNotificationCenter distributedCenter;
@@ -63,6 +72,8 @@ int RunDesktopApplication(int argc, char *argv[])
     controller.awakeFromNib();
     preferences.controller->awakeFromNib();
     controller.applicationWillFinishLaunching();
+    SessionController sessionController(controller, session);
+    StatusAreaNotice statusAreaNotice(QDBusConnection::sessionBus());
     const int status = QApplication::exec();
     controller.applicationWillTerminate();
     preferences.controller.reset();

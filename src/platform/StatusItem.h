@@ -1,6 +1,9 @@
 #pragma once
 
+#include <QPoint>
 #include <QString>
+
+#include <optional>
 
 class Menu;
 
@@ -19,6 +22,9 @@ public:
     virtual void setMenu(Menu *menu) = 0;
     virtual Menu *menu() const = 0;
     virtual void setHighlightMode(bool on) = 0;
+    // Shows the menu as if the item had been clicked (the menu is told it is about to open, so
+    // it is rebuilt first), at a screen position, or at the pointer without one.
+    virtual void popUpMenu(std::optional<QPoint> position) = 0;
 };
 
 class StatusBar

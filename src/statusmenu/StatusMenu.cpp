@@ -217,7 +217,7 @@ void StatusMenu::itemTitleTimerAction(Timer *)
         const CalendarDate date =
             CalendarDateWithTimeIntervalSinceReferenceDate(WorkingInstant(m_platform.clock));
         const QString text = MakeFormattedDateString(date, override);
-        m_item->setTitle(text.isNull() ? QStringLiteral("Bad Format") : text);
+        setTitle(text.isNull() ? QStringLiteral("Bad Format") : text);
         return;
     }
 
@@ -225,8 +225,15 @@ void StatusMenu::itemTitleTimerAction(Timer *)
     if (name.isNull())
         name = DefaultTitleDisplayName;
     if (const std::optional<QString> text = TitleFormatText(name, m_platform.clock))
-        m_item->setTitle(*text);
+        setTitle(*text);
     // An unknown name leaves whatever title the item had.
+}
+
+void StatusMenu::setTitle(const QString &title)
+{
+    m_item->setTitle(title);
+    if (m_titleObserver)
+        m_titleObserver(title);
 }
 
 QStringList DescribeMenu(const Menu &menu, QString (*shown)(const QString &))

@@ -6,6 +6,7 @@
 
 #include <QStringList>
 
+#include <functional>
 #include <memory>
 
 // The status item, its menu and its title. The menu is never edited in place: buildMenu()
@@ -33,6 +34,12 @@ public:
 
     // The title timer's tick: renders the hidden override, or else the named title format.
     void itemTitleTimerAction(Timer *timer);
+    // Hears every title the refresh sets, changed or not, after the item shows it. One observer
+    // at a time; an empty function for none.
+    void setTitleObserver(std::function<void(const QString &title)> observer)
+    {
+        m_titleObserver = std::move(observer);
+    }
 
     StatusItem *item() const { return m_item; }
     Menu *menu() const { return m_menu; }
@@ -42,6 +49,7 @@ private:
     void addStyledGroup(DateFormatGroup group);
     void addItem(const QString &title, const QString &action, const QString &toolTip = {});
     void addSeparator();
+    void setTitle(const QString &title);
 
     Platform &m_platform;
     MenuDelegate &m_delegate;
@@ -50,6 +58,7 @@ private:
     std::unique_ptr<Menu> m_ownedMenu;
     Menu *m_menu = nullptr;
     Timer *m_itemTitleTimer = nullptr;
+    std::function<void(const QString &)> m_titleObserver;
 };
 
 // The menu as lines of text, one per entry: "TITLE<TAB>ACTION<TAB>TOOLTIP", or "-" for a

@@ -121,6 +121,13 @@ void InMemoryStatusItem::openMenu()
         m_menu->willOpen();
 }
 
+void InMemoryStatusItem::popUpMenu(std::optional<QPoint> position)
+{
+    ++m_popUpCount;
+    m_lastPopUpPosition = position;
+    openMenu();
+}
+
 bool InMemoryStatusItem::chooseItemTitled(const QString &title)
 {
     if (!m_menu)

@@ -6,6 +6,7 @@
 
 #include "platform/Menu.h"
 #include "platform/Platform.h"
+#include "platform/SessionService.h"
 
 #include <QList>
 #include <QMap>
@@ -75,7 +76,11 @@ public:
     void setMenu(Menu *menu) override { m_menu = menu; }
     Menu *menu() const override { return m_menu; }
     void setHighlightMode(bool on) override { m_highlightMode = on; }
+    // Opens the menu as openMenu() does and remembers where it was asked to show.
+    void popUpMenu(std::optional<QPoint> position) override;
     bool highlightMode() const { return m_highlightMode; }
+    int popUpCount() const { return m_popUpCount; }
+    std::optional<QPoint> lastPopUpPosition() const { return m_lastPopUpPosition; }
     int titleSetCount() const { return m_titleSetCount; }
 
     // What the user does: opens the menu (the delegate rebuilds it first) and chooses an entry.
@@ -88,6 +93,8 @@ private:
     Menu *m_menu = nullptr;
     bool m_highlightMode = false;
     int m_titleSetCount = 0;
+    int m_popUpCount = 0;
+    std::optional<QPoint> m_lastPopUpPosition;
 };
 
 class InMemoryStatusBar final : public StatusBar
@@ -231,6 +238,32 @@ public:
 
 private:
     QList<InMemoryDistributedCenter *> m_centers;
+};
+
+// The session as one process sees it: whether another process holds the claim, whether it
+// answers, and what was announced.
+class InMemorySessionService final : public SessionService
+{
+public:
+    Claim claim() override
+    {
+        ++claimCount;
+        return heldByAnother ? Claim::HeldByAnother : Claim::Claimed;
+    }
+    bool askHolderToShowPreferences() override
+    {
+        ++preferencesAsked;
+        return holderAnswers;
+    }
+    void setRequests(SessionRequests *newRequests) override { requests = newRequests; }
+    void titleChanged(const QString &title) override { announcedTitles.append(title); }
+
+    bool heldByAnother = false;
+    bool holderAnswers = true;
+    int claimCount = 0;
+    int preferencesAsked = 0;
+    SessionRequests *requests = nullptr;
+    QStringList announcedTitles;
 };
 
 // All of the above, wired together.

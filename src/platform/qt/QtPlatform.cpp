@@ -177,12 +177,18 @@ void TrayStatusItem::aboutToShow()
     FillQMenu(*m_qmenu, m_menu);
 }
 
+void TrayStatusItem::popUpMenu(std::optional<QPoint> position)
+{
+    // aboutToShow rebuilds the menu, as for a click on the icon.
+    m_qmenu->popup(position.value_or(QCursor::pos()));
+}
+
 void TrayStatusItem::activated(QSystemTrayIcon::ActivationReason reason)
 {
     // XEmbed trays open the context menu on a right click only; a clock's menu should open on
     // any click.
     if (reason == QSystemTrayIcon::Trigger || reason == QSystemTrayIcon::DoubleClick)
-        m_qmenu->popup(QCursor::pos());
+        popUpMenu(std::nullopt);
 }
 
 QtStatusItem::QtStatusItem(const QDBusConnection &bus) : m_bus(bus)
@@ -269,6 +275,11 @@ void QtStatusItem::setHighlightMode(bool on)
 {
     m_highlightMode = on;
     backendItem()->setHighlightMode(on);
+}
+
+void QtStatusItem::popUpMenu(std::optional<QPoint> position)
+{
+    backendItem()->popUpMenu(position);
 }
 
 QtStatusBar::QtStatusBar(const QDBusConnection &bus) : m_bus(bus) {}

@@ -57,6 +57,7 @@ public:
     void setMenu(Menu *menu) override { m_menu = menu; }
     Menu *menu() const override { return m_menu; }
     void setHighlightMode(bool) override {}
+    void popUpMenu(std::optional<QPoint> position) override;
 
     QSystemTrayIcon &trayIcon() { return m_tray; }
     QMenu &qmenu() { return *m_qmenu; }
@@ -97,6 +98,7 @@ public:
     void setMenu(Menu *menu) override;
     Menu *menu() const override { return m_menu; }
     void setHighlightMode(bool on) override;
+    void popUpMenu(std::optional<QPoint> position) override;
 
     Backend backend() const { return m_sni ? Backend::StatusNotifierItem : Backend::Tray; }
     // The backend in use: a TrayStatusItem or an SniStatusItem.

@@ -5,6 +5,7 @@
 #include "platform/qt/sni/StatusNotifierItemAdaptor.h"
 
 #include <QCoreApplication>
+#include <QCursor>
 #include <QDBusConnectionInterface>
 #include <QDBusMessage>
 #include <QDBusPendingCallWatcher>
@@ -199,7 +200,7 @@ SniToolTip SniStatusItem::toolTip() const
     return SniToolTip{m_iconName, {}, m_title, {}};
 }
 
-void SniStatusItem::popUpMenu(const QPoint &position)
+void SniStatusItem::popUpMenu(std::optional<QPoint> position)
 {
     if (!m_menu)
         return;
@@ -210,5 +211,5 @@ void SniStatusItem::popUpMenu(const QPoint &position)
     }
     m_menu->willOpen();
     FillQMenu(*m_popup, m_menu);
-    m_popup->popup(position);
+    m_popup->popup(position.value_or(QCursor::pos()));
 }

@@ -52,7 +52,7 @@ public:
     SniToolTip toolTip() const;
 
     // A host that draws no menu of its own asks the item to show one.
-    void popUpMenu(const QPoint &position);
+    void popUpMenu(std::optional<QPoint> position) override;
 
 Q_SIGNALS:
     void registered();

@@ -1,0 +1,93 @@
+#include "app/SessionController.h"
+
+#include "datetext/DateText.h"
+#include "statusmenu/CopyActions.h"
+
+SessionController::SessionController(AppController &controller, SessionService &session)
+    : m_controller(controller), m_session(session)
+{
+    if (StatusItem *item = m_controller.statusMenu().item())
+        m_announcedTitle = item->title();
+    m_controller.statusMenu().setTitleObserver(
+        [this](const QString &title) { titleWasSet(title); });
+    m_session.setRequests(this);
+}
+
+SessionController::~SessionController()
+{
+    m_session.setRequests(nullptr);
+    m_controller.statusMenu().setTitleObserver({});
+}
+
+void SessionController::titleWasSet(const QString &title)
+{
+    // The title is set every second and mostly reads the same; listeners hear changes only.
+    if (title == m_announcedTitle)
+        return;
+    m_announcedTitle = title;
+    m_session.titleChanged(title);
+}
+
+QString SessionController::title() const
+{
+    const StatusItem *item = m_controller.statusMenu().item();
+    return item ? item->title() : QString();
+}
+
+std::optional<AbsoluteTime> SessionController::pickedMoment() const
+{
+    if (g_selectedDateTime == 0.0)
+        return std::nullopt;
+    return g_selectedDateTime;
+}
+
+void SessionController::showMenu(std::optional<QPoint> position)
+{
+    // The item tells the menu it is about to open, which rebuilds it as a click does.
+    if (StatusItem *item = m_controller.statusMenu().item())
+        item->popUpMenu(position);
+}
+
+SessionRequests::CopyResult SessionController::copy(const QString &name)
+{
+    MenuItem sender;
+    sender.title = name;
+    if (name.startsWith(customFormatPrefix())) {
+        // A custom entry carries its format in its tool tip, and so does this one.
+        sender.action = QStringLiteral("customDateFormatter:");
+        sender.toolTip = name.mid(customFormatPrefix().size());
+    } else {
+        sender.action = CopyActionForMenuName(name);
+        if (sender.action.isEmpty())
+            return {CopyStatus::UnknownFormat, {}};
+    }
+    if (const std::optional<QByteArray> copied = m_controller.copy(sender.action, sender))
+        return {CopyStatus::Copied, *copied};
+    return {CopyStatus::NotRendered, {}};
+}
+
+void SessionController::runEntryAction(const QString &title, const QString &action)
+{
+    // Choosing an entry always follows an opening of the menu, which ran the rebuild path (and
+    // so stopped a ticking chooser); a request from outside gets the same.
+    m_controller.setup();
+    MenuItem sender;
+    sender.title = title;
+    sender.action = action;
+    m_controller.performAction(action, sender);
+}
+
+void SessionController::showChooser()
+{
+    runEntryAction(QStringLiteral("Date-Time Chooser"), QStringLiteral("showCalendar:"));
+}
+
+void SessionController::showPreferences()
+{
+    runEntryAction(QStringLiteral("Preferences..."), QStringLiteral("selItemPreferences:"));
+}
+
+void SessionController::quit()
+{
+    runEntryAction(QStringLiteral("Quit"), QStringLiteral("selItemQuit:"));
+}

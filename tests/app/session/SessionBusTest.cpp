@@ -1,0 +1,352 @@
+// The running application's interface on the session bus and the one-per-session rule, against
+// the real application on a private bus, with a stand-in panel (watcher) and, where the
+// clipboard matters, a private X server.
+
+#include "HoraloProcess.h"
+#include "SniTestSupport.h"
+#include "platform/dbus/HoraloBusNames.h"
+#include "support/QtPrinters.h"
+
+#include <QDBusConnection>
+#include <QDate>
+#include <QLocale>
+#include <QRegularExpression>
+
+namespace {
+
+// The same text for the date as of before and after a call, so a run across midnight passes.
+bool MatchesToday(const QByteArray &text, const std::function<QString(QDate)> &render, QDate before)
+{
+    return text == render(before).toUtf8() || text == render(QDate::currentDate()).toUtf8();
+}
+
+bool XWindowNamed(const QString &display, const QString &name)
+{
+    QProcess xdotool;
+    QProcessEnvironment env = QProcessEnvironment::systemEnvironment();
+    env.insert(QStringLiteral("DISPLAY"), display);
+    xdotool.setProcessEnvironment(env);
+    xdotool.start(QStringLiteral("xdotool"),
+                  {QStringLiteral("search"), QStringLiteral("--onlyvisible"),
+                   QStringLiteral("--name"), QLatin1Char('^') + name + QLatin1Char('$')});
+    xdotool.waitForFinished(5000);
+    return !xdotool.readAllStandardOutput().trimmed().isEmpty();
+}
+
+void XKeys(const QString &display, const QStringList &keys)
+{
+    QProcess xdotool;
+    QProcessEnvironment env = QProcessEnvironment::systemEnvironment();
+    env.insert(QStringLiteral("DISPLAY"), display);
+    xdotool.setProcessEnvironment(env);
+    for (const QString &key : keys) {
+        xdotool.start(QStringLiteral("xdotool"), {QStringLiteral("key"), key});
+        xdotool.waitForFinished(5000);
+        Settle(50);
+    }
+}
+
+// Collects the application's title signals, both forms.
+class TitleSignals final : public QObject
+{
+    Q_OBJECT
+public:
+    TitleSignals()
+    {
+        QDBusConnection bus = QDBusConnection::sessionBus();
+        bus.connect(HoraloBus::Service, HoraloBus::ObjectPath, HoraloBus::Interface,
+                    QStringLiteral("TitleChanged"), this, SLOT(titleChanged(QString)));
+        bus.connect(HoraloBus::Service, HoraloBus::ObjectPath,
+                    QStringLiteral("org.freedesktop.DBus.Properties"),
+                    QStringLiteral("PropertiesChanged"), this,
+                    SLOT(propertiesChanged(QString, QVariantMap, QStringList)));
+    }
+
+    QStringList titles;
+    QStringList changedProperties;
+
+public Q_SLOTS:
+    void titleChanged(const QString &title) { titles.append(title); }
+    void propertiesChanged(const QString &interface, const QVariantMap &changed,
+                           const QStringList &)
+    {
+        if (interface == HoraloBus::Interface)
+            changedProperties.append(changed.value(QStringLiteral("Title")).toString());
+    }
+};
+
+// A desktop notification server that records what it is asked to show.
+class StandInNotifications final : public QObject
+{
+    Q_OBJECT
+    Q_CLASSINFO("D-Bus Interface", "org.freedesktop.Notifications")
+public:
+    StandInNotifications()
+        : m_connection(QDBusConnection::connectToBus(QDBusConnection::SessionBus,
+                                                     QStringLiteral("notifications")))
+    {
+        m_connection.registerObject(QStringLiteral("/org/freedesktop/Notifications"), this,
+                                    QDBusConnection::ExportAllSlots);
+        m_connection.registerService(QStringLiteral("org.freedesktop.Notifications"));
+    }
+    ~StandInNotifications() override
+    {
+        QDBusConnection::disconnectFromBus(QStringLiteral("notifications"));
+    }
+
+    QStringList bodies;
+
+public Q_SLOTS:
+    uint Notify(const QString &, uint, const QString &, const QString &, const QString &body,
+                const QStringList &, const QVariantMap &, int)
+    {
+        bodies.append(body);
+        return uint(bodies.size());
+    }
+
+private:
+    QDBusConnection m_connection;
+};
+
+QString ErrorOf(const QDBusMessage &reply)
+{
+    return reply.type() == QDBusMessage::ErrorMessage
+               ? reply.errorName() + QStringLiteral(": ") + reply.errorMessage()
+               : QString();
+}
+
+// One Horalo running on the private X server, its item shown by a stand-in panel.
+class RunningHoralo : public ::testing::Test
+{
+protected:
+    void SetUp() override
+    {
+        ASSERT_FALSE(display.isEmpty()) << "Xvfb could not start";
+        ASSERT_FALSE(HoraloIsOnBus()) << "a Horalo from an earlier test still runs";
+        prepare();
+        horalo.start();
+        ASSERT_TRUE(WaitForHoraloOnBus()) << horalo.readStderr().constData();
+        ASSERT_TRUE(WaitFor([this] { return watcher.registeredItems().size() == 1; }, 10000));
+    }
+    void TearDown() override
+    {
+        horalo.process().terminate();
+        horalo.waitForExit();
+        WaitForHoraloOnBus(false);
+    }
+    // Settings written before the start.
+    virtual void prepare() {}
+
+    void defaultsWrite(const QStringList &arguments)
+    {
+        HoraloProcess defaults(user);
+        ASSERT_TRUE(defaults.run(QStringList{QStringLiteral("defaults"), QStringLiteral("write")} +
+                                 arguments));
+        ASSERT_EQ(defaults.exitCode(), 0) << defaults.readStderr().constData();
+    }
+
+    QString display = XServer::display();
+    StandInWatcher watcher;
+    TestUser user;
+    HoraloProcess horalo{user, display};
+};
+
+using Interface = RunningHoralo;
+
+TEST_F(Interface, CopyPutsTheExactBytesOnTheClipboardAndReturnsThem)
+{
+    const QDate before = QDate::currentDate();
+    QDBusMessage reply =
+        CallHoralo(QStringLiteral("Copy"), {QStringLiteral("Numerical Date No Hyphens")});
+    ASSERT_EQ(reply.type(), QDBusMessage::ReplyMessage) << ErrorOf(reply).toStdString();
+    const QByteArray returned = reply.arguments().value(0).toString().toUtf8();
+    EXPECT_TRUE(MatchesToday(
+        returned, [](QDate day) { return day.toString(QStringLiteral("yyyyMMdd")); }, before))
+        << returned.constData();
+    EXPECT_EQ(ReadClipboard(display), returned);
+
+    // Text that shells, markup and X's Latin-1 target would each mangle arrives as it is.
+    reply = CallHoralo(QStringLiteral("Copy"), {QStringLiteral("custom:%Y «%A» & <b>\t%%")});
+    ASSERT_EQ(reply.type(), QDBusMessage::ReplyMessage) << ErrorOf(reply).toStdString();
+    const QByteArray custom = reply.arguments().value(0).toString().toUtf8();
+    EXPECT_TRUE(MatchesToday(
+        custom,
+        [](QDate day) {
+            return QStringLiteral("%1 «%2» & <b>\t%")
+                .arg(day.year())
+                .arg(QLocale(QLocale::English, QLocale::UnitedStates).dayName(day.dayOfWeek()));
+        },
+        before))
+        << custom.constData();
+    EXPECT_EQ(ReadClipboard(display), custom);
+}
+
+TEST_F(Interface, NamesThatAreNoFormatAreErrorsAndCopyNothing)
+{
+    ASSERT_EQ(CallHoralo(QStringLiteral("Copy"), {QStringLiteral("custom:kept")}).type(),
+              QDBusMessage::ReplyMessage);
+    for (const char *name : {"Numerical date", "Medium Date Time", "", "custom"}) {
+        const QDBusMessage reply = CallHoralo(QStringLiteral("Copy"), {QString::fromUtf8(name)});
+        EXPECT_EQ(reply.type(), QDBusMessage::ErrorMessage) << name;
+        EXPECT_EQ(reply.errorName(), HoraloBus::UnknownFormatError) << name;
+    }
+    EXPECT_EQ(ReadClipboard(display), QByteArray("kept"));
+}
+
+class TitleFollowers : public RunningHoralo
+{
+    void prepare() override
+    {
+        defaultsWrite({QStringLiteral("menuTitleFormatter"), QStringLiteral("-string"),
+                       QStringLiteral("%H:%M:%S")});
+    }
+};
+
+TEST_F(TitleFollowers, TitleChangedArrivesOncePerChangeWithPropertiesChanged)
+{
+    TitleSignals received;
+    ASSERT_TRUE(WaitFor([&] { return received.titles.size() >= 4; }, 10000));
+    Settle(200);
+    const QRegularExpression clock(QStringLiteral("^\\d\\d:\\d\\d:\\d\\d$"));
+    for (qsizetype i = 0; i < received.titles.size(); ++i) {
+        EXPECT_TRUE(clock.match(received.titles.at(i)).hasMatch()) << received.titles.at(i).toStdString();
+        if (i > 0) {
+            EXPECT_LT(received.titles.at(i - 1), received.titles.at(i))
+                << "each signal is a new, later title";
+        }
+    }
+    EXPECT_EQ(received.changedProperties, received.titles);
+
+    const QDBusMessage reply = QDBusConnection::sessionBus().call(
+        QDBusMessage::createMethodCall(HoraloBus::Service, HoraloBus::ObjectPath,
+                                       QStringLiteral("org.freedesktop.DBus.Properties"),
+                                       QStringLiteral("Get"))
+        << HoraloBus::Interface << QStringLiteral("Title"));
+    const QString title = reply.arguments().value(0).value<QDBusVariant>().variant().toString();
+    Settle(50);
+    EXPECT_TRUE(received.titles.mid(received.titles.size() - 2).contains(title)) << title.toStdString();
+}
+
+using EntryMethods = RunningHoralo;
+
+TEST_F(EntryMethods, ShowMenuOpensTheMenuAtThePointerAndAChoiceCopies)
+{
+    ASSERT_EQ(CallHoralo(QStringLiteral("Copy"), {QStringLiteral("custom:kept")}).type(),
+              QDBusMessage::ReplyMessage);
+    const QDate before = QDate::currentDate();
+    const QDBusMessage reply = CallHoralo(QStringLiteral("ShowMenu"), {-1, -1});
+    ASSERT_EQ(reply.type(), QDBusMessage::ReplyMessage) << ErrorOf(reply).toStdString();
+    Settle(500);
+    // Chooser, then the GMT and numerical group: the fifth entry that can be chosen.
+    XKeys(display, {QStringLiteral("Down"), QStringLiteral("Down"), QStringLiteral("Down"),
+                    QStringLiteral("Down"), QStringLiteral("Down"), QStringLiteral("Return")});
+    Settle(300);
+    EXPECT_TRUE(MatchesToday(
+        ReadClipboard(display), [](QDate day) { return day.toString(QStringLiteral("yyyyMMdd")); },
+        before));
+}
+
+TEST_F(EntryMethods, WindowsOpenAndQuitEndsAfterAnswering)
+{
+    EXPECT_EQ(CallHoralo(QStringLiteral("ShowChooser")).type(), QDBusMessage::ReplyMessage);
+    EXPECT_TRUE(WaitFor(
+        [this] { return XWindowNamed(display, QStringLiteral("Date-Time Chooser")); }, 5000));
+    EXPECT_EQ(CallHoralo(QStringLiteral("ShowPreferences")).type(), QDBusMessage::ReplyMessage);
+    EXPECT_TRUE(WaitFor(
+        [this] { return XWindowNamed(display, QStringLiteral("Horalo Preferences")); }, 5000));
+
+    const QDBusMessage reply = CallHoralo(QStringLiteral("Quit"));
+    EXPECT_EQ(reply.type(), QDBusMessage::ReplyMessage) << ErrorOf(reply).toStdString();
+    ASSERT_TRUE(horalo.waitForExit());
+    EXPECT_EQ(horalo.exitCode(), 0);
+    EXPECT_TRUE(WaitForHoraloOnBus(false));
+}
+
+using OneInstance = RunningHoralo;
+
+TEST_F(OneInstance, ASecondStartOpensTheFirstsPreferencesLeavesOneItemAndNoSettings)
+{
+    // The second start belongs to a user whose settings would be moved aside if read.
+    TestUser second;
+    QDir().mkpath(QFileInfo(second.settingsFile()).path());
+    QFile settings(second.settingsFile());
+    ASSERT_TRUE(settings.open(QIODevice::WriteOnly));
+    settings.write("not a property list");
+    settings.close();
+
+    HoraloProcess again(second, display);
+    ASSERT_TRUE(again.run({}));
+    EXPECT_EQ(again.exitCode(), 0);
+    EXPECT_EQ(again.readStdout(),
+              QByteArray("Horalo is already running; its Preferences window is open.\n"));
+    EXPECT_TRUE(WaitFor(
+        [this] { return XWindowNamed(display, QStringLiteral("Horalo Preferences")); }, 5000));
+    EXPECT_EQ(QDir(QFileInfo(second.settingsFile()).path()).entryList(QDir::Files),
+              QStringList{QStringLiteral("org.horalo.Horalo.plist")});
+    ASSERT_TRUE(settings.open(QIODevice::ReadOnly));
+    EXPECT_EQ(settings.readAll(), QByteArray("not a property list"));
+
+    Settle(500);
+    EXPECT_EQ(watcher.registeredItems().size(), 1);
+    EXPECT_TRUE(horalo.isRunning());
+}
+
+TEST(OneInstanceWithoutBus, ALockFileKeepsTheSecondOutUntilTheFirstIsGone)
+{
+    TestUser user;
+    const auto noBus = [&user] {
+        auto process = std::make_unique<HoraloProcess>(user, QString());
+        process->setEnvironmentValue(QStringLiteral("DBUS_SESSION_BUS_ADDRESS"),
+                                     QStringLiteral("disabled:"));
+        return process;
+    };
+    auto first = noBus();
+    first->start();
+    Settle(1500);
+    ASSERT_TRUE(first->isRunning()) << first->readStderr().constData();
+
+    auto second = noBus();
+    ASSERT_TRUE(second->run({}));
+    EXPECT_EQ(second->exitCode(), 0);
+    EXPECT_EQ(second->readStdout(), QByteArray("Horalo is already running in this session.\n"));
+    EXPECT_TRUE(first->isRunning());
+
+    // A lock left by a process that died takes nobody's place.
+    first->process().kill();
+    first->waitForExit();
+    auto third = noBus();
+    third->start();
+    Settle(1500);
+    EXPECT_TRUE(third->isRunning()) << third->readStdout().constData();
+}
+
+TEST(NoStatusArea, SaysSoOnceThenShowsTheItemWhenAPanelAppears)
+{
+    StandInNotifications notifications;
+    TestUser user;
+    // Offscreen there is no tray, and no watcher owns its name yet.
+    HoraloProcess horalo(user, QString());
+    horalo.start();
+    ASSERT_TRUE(WaitForHoraloOnBus());
+    ASSERT_TRUE(WaitFor([&] { return !notifications.bodies.isEmpty(); }, 15000));
+    EXPECT_TRUE(notifications.bodies.first().contains(QStringLiteral("horalo show-menu")));
+
+    StandInWatcher watcher;
+    ASSERT_TRUE(WaitFor([&] { return watcher.registeredItems().size() == 1; }, 10000));
+    Settle(500);
+    EXPECT_EQ(notifications.bodies.size(), 1);
+    EXPECT_TRUE(horalo.isRunning());
+
+    const QList<QByteArray> lines = horalo.readStderr().split('\n');
+    const auto notices = std::count_if(lines.begin(), lines.end(), [](const QByteArray &line) {
+        return line.startsWith("horalo: ") && line.contains("horalo show-menu");
+    });
+    EXPECT_EQ(notices, 1);
+    horalo.process().terminate();
+    horalo.waitForExit();
+    WaitForHoraloOnBus(false);
+}
+
+} // namespace
+
+#include "SessionBusTest.moc"
