@@ -7,6 +7,9 @@ build_pkgs=(
   build-essential cmake ninja-build pkg-config
   qt6-base-dev libqt6svg6 qt6-image-formats-plugins
   libicu-dev libplist-dev
+  # The Wayland clipboard writer (libwayland-client, wayland-scanner) and Qt's wayland platform
+  # for sessions without an X server.
+  libwayland-dev libwayland-bin qt6-wayland
   libgtest-dev libgmock-dev libbenchmark-dev
   clang-format
 )
@@ -17,6 +20,11 @@ test_pkgs=(
   fonts-dejavu-core locales tzdata
   # A StatusNotifierItem host that draws the item's text label beside its icon.
   xfce4-panel xfce4-indicator-plugin ayatana-indicator-application
+  # Headless Wayland sessions: a wlroots compositor with and without Xwayland, one without
+  # data-control, and a native Wayland clipboard reader.
+  sway xwayland weston wl-clipboard
+  # The stand-in panel side (a StatusNotifierWatcher, dbusmenu clicks) of those sessions.
+  python3-dbus python3-gi
 )
 
 want=("${build_pkgs[@]}")

@@ -7,6 +7,7 @@
 #include "datetext/DateText.h"
 #include "platform/Version.h"
 #include "platform/dbus/DBusNotificationCenter.h"
+#include "platform/qt/DesktopSession.h"
 #include "platform/qt/QtPlatform.h"
 #include "platform/qt/StatusAreaNotice.h"
 #include "platform/qt/session/DBusSessionService.h"
@@ -26,18 +27,9 @@ bool HasDesktopSession()
            qEnvironmentVariableIsSet("QT_QPA_PLATFORM");
 }
 
-// A tray program is never the focused window when its menu entry is chosen, and Wayland
-// clipboards ignore writes from unfocused programs. Through XWayland the clipboard works, so
-// prefer X11 wherever a display is available, unless the user chose a platform.
-void PreferX11Clipboard()
-{
-    if (!qEnvironmentVariableIsSet("QT_QPA_PLATFORM") && qEnvironmentVariableIsSet("DISPLAY"))
-        qputenv("QT_QPA_PLATFORM", "xcb");
-}
-
 int RunDesktopApplication(int argc, char *argv[])
 {
-    PreferX11Clipboard();
+    DesktopSession::chooseQtPlatform();
     QApplication app(argc, argv);
     QApplication::setApplicationName(QStringLiteral("Horalo"));
     QApplication::setApplicationVersion(QStringLiteral(HORALO_VERSION));
@@ -56,10 +48,10 @@ int RunDesktopApplication(int argc, char *argv[])
     SystemClock clock;
     QtTimerScheduler timers;
     QtStatusBar statusBar;
-    QtClipboard clipboard;
+    DesktopSession desktop;
     QtApplication application;
-    Platform platform{store,  userDefaults, distributedCenter, windowCenter, clock,
-                      timers, statusBar,    clipboard,         application};
+    Platform platform{store,  userDefaults, distributedCenter,   windowCenter, clock,
+                      timers, statusBar,    desktop.clipboard(), application};
 
     QtChooserWindow chooserWindow(windowCenter);
     PreferencesUi preferences = CreatePreferencesUi(platform, windowCenter);

@@ -17,6 +17,7 @@
 #include <QVBoxLayout>
 
 #include <cmath>
+#include <utility>
 
 // --- timers ---
 
@@ -299,11 +300,20 @@ int QtClipboard::open()
 
 void QtClipboard::clear()
 {
-    QGuiApplication::clipboard()->clear(QClipboard::Clipboard);
+    // On X11, emptying the selection and taking it again a moment later leaves a gap in which a
+    // selection bridge (XWayland's in a Wayland session) takes it over, and our own take is then
+    // refused. A text that follows replaces ours in one step, so the clear waits for the end of
+    // this event and happens only if no text came.
+    m_clearPending = true;
+    QTimer::singleShot(0, &m_context, [this] {
+        if (std::exchange(m_clearPending, false))
+            QGuiApplication::clipboard()->clear(QClipboard::Clipboard);
+    });
 }
 
 int QtClipboard::putUtf8PlainText(const QByteArray &bytes)
 {
+    m_clearPending = false;
     auto *mime = new QMimeData;
     // Plain text only: X11 readers get UTF8_STRING and text/plain;charset=utf-8 from this.
     mime->setText(QString::fromUtf8(bytes));

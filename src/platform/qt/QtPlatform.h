@@ -136,8 +136,13 @@ class QtClipboard final : public Clipboard
 {
 public:
     int open() override;
+    // Takes effect at the end of the current event unless a text replaces it before then.
     void clear() override;
     int putUtf8PlainText(const QByteArray &bytes) override;
+
+private:
+    QObject m_context; // ends a clear still to come with the clipboard
+    bool m_clearPending = false;
 };
 
 class QtApplication final : public Application
