@@ -18,3 +18,6 @@ endforeach()
 # The running application's interface on the session bus, for programs that talk to it.
 install(FILES ${PROJECT_SOURCE_DIR}/resources/dbus/org.horalo.Horalo.xml
         DESTINATION ${CMAKE_INSTALL_DATADIR}/dbus-1/interfaces)
+
+# The status-area program that `horalo` with no command starts; not meant to be typed.
+install(TARGETS horalo_desktop RUNTIME DESTINATION ${CMAKE_INSTALL_LIBEXECDIR}/horalo)

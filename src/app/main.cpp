@@ -1,9 +1,9 @@
-// Horalo: the date and time in the desktop's status area.
+// Horalo: the date and time in the desktop's status area. `horalo` with no command runs this
+// program; the commands are the separate, lighter executable of app/cli.
 
 #include "app/AppController.h"
 #include "app/DeferToRunningInstance.h"
 #include "app/SessionController.h"
-#include "app/cli/Cli.h"
 #include "datetext/DateText.h"
 #include "platform/Version.h"
 #include "platform/dbus/DBusNotificationCenter.h"
@@ -76,8 +76,6 @@ int RunDesktopApplication(int argc, char *argv[])
 
 int main(int argc, char *argv[])
 {
-    if (const std::optional<int> status = RunCommandLine(argc, argv))
-        return *status;
     if (!HasDesktopSession()) {
         std::fprintf(stderr, "horalo: no desktop session here (DISPLAY and WAYLAND_DISPLAY are "
                              "unset); 'horalo render', 'horalo menu' and 'horalo defaults' work "
