@@ -1,5 +1,6 @@
 #include "platform/store/PlistPreferencesStore.h"
 
+#include "platform/store/FileSignature.h"
 #include "platform/store/PropertyList.h"
 
 #include <QDateTime>
@@ -41,7 +42,8 @@ QByteArray NativePath(const QString &path)
     return QFile::encodeName(path);
 }
 
-StoreFile ReadStoreFile(const QString &path)
+// With signature, also tells which file was read, as it was before reading.
+StoreFile ReadStoreFile(const QString &path, std::optional<FileSignature> *signature = nullptr)
 {
     // O_NONBLOCK: a FIFO put in the file's place must not hang us.
     const int fd = ::open(NativePath(path).constData(), O_RDONLY | O_CLOEXEC | O_NONBLOCK);
@@ -55,6 +57,8 @@ StoreFile ReadStoreFile(const QString &path)
         ::close(fd);
         return {StoreFile::State::Damaged, {}};
     }
+    if (signature)
+        signature->emplace(info);
     QByteArray bytes;
     char buffer[16384];
     for (;;) {
@@ -220,7 +224,7 @@ PlistPreferencesStore::PlistPreferencesStore()
 PlistPreferencesStore::PlistPreferencesStore(QString filePath, QString domain)
     : m_path(QDir::cleanPath(QFileInfo(filePath).absoluteFilePath())), m_domain(std::move(domain))
 {
-    m_values = ReadStoreFile(m_path).values;
+    readFile();
 }
 
 QVariant PlistPreferencesStore::copyAppValue(const QString &key, const QString &domain)
@@ -253,9 +257,24 @@ bool PlistPreferencesStore::appSynchronize(const QString &domain)
         return false;
     if (!m_pending.isEmpty())
         return writePendingChanges();
-    const StoreFile file = ReadStoreFile(m_path);
+    // Asking the file system costs a stat(); parsing costs up to milliseconds. The values read
+    // last stand only while the file is provably the one they were read from.
+    if (m_lastRead && m_lastRead->signature == FileSignature::ofPath(NativePath(m_path)))
+        return m_lastRead->readable;
+    return readFile();
+}
+
+bool PlistPreferencesStore::readFile()
+{
+    std::optional<FileSignature> signature;
+    const StoreFile file = ReadStoreFile(m_path, &signature);
+    ++m_fileReads;
     m_values = file.values;
-    return file.state != StoreFile::State::Damaged;
+    const bool readable = file.state != StoreFile::State::Damaged;
+    m_lastRead.reset();
+    if (signature && signature->trustedAt(std::chrono::system_clock::now(), m_timestampGranularity))
+        m_lastRead = LastRead{*signature, readable};
+    return readable;
 }
 
 QVariantMap PlistPreferencesStore::copyAllValues(const QString &domain)
@@ -278,6 +297,9 @@ QVariantMap PlistPreferencesStore::withPendingChanges(QVariantMap values) const
 
 bool PlistPreferencesStore::writePendingChanges()
 {
+    // Whatever happens below, the file may no longer be the one last read: read it afresh next
+    // time rather than trust a signature taken around our own rename.
+    m_lastRead.reset();
     // On any failure the changes stay pending, and this process keeps seeing them over what
     // the others wrote.
     const auto fail = [this](const QVariantMap &onDisk) {

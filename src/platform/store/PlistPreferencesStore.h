@@ -2,11 +2,14 @@
 
 #include "platform/AppIdentifier.h"
 #include "platform/PreferencesStore.h"
+#include "platform/store/FileSignature.h"
 
 #include <QString>
 #include <QVariantMap>
 
+#include <chrono>
 #include <functional>
+#include <optional>
 
 // The user's settings file: $XDG_CONFIG_HOME/horalo/<AppIdentifier>.plist, or
 // ~/.config/horalo/<AppIdentifier>.plist when XDG_CONFIG_HOME is unset (or not absolute).
@@ -25,6 +28,10 @@ QString DefaultPreferencesStorePath();
 // list holding a dictionary reads as empty too, and is renamed to
 // "<file>.<UTC time>.corrupt" before the next write, never overwritten. Binary property lists
 // are read; XML is always written. Nothing is logged.
+//
+// A synchronise with nothing to write still asks the file system every time, but parses the
+// file only when it is not provably the one read last (see FileSignature): the values never
+// outlive a change of the file.
 class PlistPreferencesStore final : public PreferencesStore
 {
 public:
@@ -42,6 +49,14 @@ public:
     QVariantMap copyAllValues(const QString &domain) override;
 
     QString filePath() const { return m_path; }
+    // How many times the file was read and parsed to be synchronised (writes not counted).
+    int fileReadCount() const { return m_fileReads; }
+    // A file changed less than this long ago is parsed again at the next synchronise, whatever
+    // its signature says; tests lower it to see the saving without waiting.
+    void setTimestampGranularityForTesting(std::chrono::nanoseconds granularity)
+    {
+        m_timestampGranularity = granularity;
+    }
     QString domain() const { return m_domain; }
 
     // Runs after the temporary file is complete and before it is renamed over the store, with
@@ -53,6 +68,15 @@ public:
 
 private:
     bool writePendingChanges();
+    // Reads and parses the file into m_values, remembering which file it was when that can be
+    // trusted; false when the file is damaged.
+    bool readFile();
+
+    struct LastRead
+    {
+        FileSignature signature;
+        bool readable; // what appSynchronize() answered for it
+    };
     QVariantMap withPendingChanges(QVariantMap values) const;
 
     QString m_path;
@@ -60,4 +84,7 @@ private:
     QVariantMap m_values;  // as last read, with the pending changes applied
     QVariantMap m_pending; // key -> new value; an invalid QVariant removes the key
     std::function<void(const QString &)> m_beforeRename;
+    std::optional<LastRead> m_lastRead; // set only when its signature can be trusted
+    int m_fileReads = 0;
+    std::chrono::nanoseconds m_timestampGranularity = FileSignature::kTimestampGranularity;
 };
