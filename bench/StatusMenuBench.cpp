@@ -20,7 +20,8 @@ struct RunningApplication
     {
         setenv("TZ", "America/New_York", 1);
         setenv("LANG", "en_US.UTF-8", 1);
-        platform.userDefaults.setRegistrationProvider(LocaleDefaultsRegistration);
+        platform.userDefaults.setRegistrationProvider(LocaleDefaultsRegistration,
+                                                      LocaleDefaultsKeys());
         const QString app = AppIdentifier;
         platform.store.setAppValue(SettingsKey::IncludeDateOnlyItems, everyGroup, app);
         platform.store.setAppValue(SettingsKey::IncludeTimeOnlyItems, everyGroup, app);

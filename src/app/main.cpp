@@ -42,7 +42,8 @@ int RunDesktopApplication(int argc, char *argv[])
         return *status;
 
     PlistPreferencesStore store;
-    UserDefaults userDefaults(store, AppIdentifier, LocaleDefaultsRegistration);
+    UserDefaults userDefaults(store, AppIdentifier, LocaleDefaultsRegistration,
+                              LocaleDefaultsKeys());
     DBusNotificationCenter distributedCenter;
     LocalWindowNotificationCenter windowCenter;
     SystemClock clock;

@@ -116,3 +116,5 @@ QString MakeFormattedDateString(const std::optional<CalendarDate> &date, const Q
 // NSTimeDateFormatString, NSDateFormatString, NSTimeFormatString): the registration layer of
 // the user defaults.
 QVariantMap LocaleDefaultsRegistration();
+// Every key that LocaleDefaultsRegistration() can hold, whatever the locale.
+QStringList LocaleDefaultsKeys();

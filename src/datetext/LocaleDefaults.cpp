@@ -15,6 +15,17 @@ using namespace Qt::StringLiterals;
 
 namespace {
 
+// The keys of the registration layer; LocaleDefaultsKeys() lists them for the user defaults,
+// which consult the layer for these keys only.
+const QString kMonthNameArray = QStringLiteral("NSMonthNameArray");
+const QString kShortMonthNameArray = QStringLiteral("NSShortMonthNameArray");
+const QString kWeekDayNameArray = QStringLiteral("NSWeekDayNameArray");
+const QString kShortWeekDayNameArray = QStringLiteral("NSShortWeekDayNameArray");
+const QString kAMPMDesignation = QStringLiteral("NSAMPMDesignation");
+const QString kTimeDateFormatString = QStringLiteral("NSTimeDateFormatString");
+const QString kDateFormatString = QStringLiteral("NSDateFormatString");
+const QString kTimeFormatString = QStringLiteral("NSTimeFormatString");
+
 QString FromIcu(const icu::UnicodeString &text)
 {
     return QString(reinterpret_cast<const QChar *>(text.getBuffer()), text.length());
@@ -171,20 +182,20 @@ QVariantMap LocaleDefaultsRegistration()
         int32_t count = 0;
         const icu::UnicodeString *names = symbols.getMonths(count, Symbols::FORMAT, Symbols::WIDE);
         if (count == 12)
-            registration.insert(u"NSMonthNameArray"_s, NamesFromIcu(names, count));
+            registration.insert(kMonthNameArray, NamesFromIcu(names, count));
         names = symbols.getMonths(count, Symbols::FORMAT, Symbols::ABBREVIATED);
         if (count == 12)
-            registration.insert(u"NSShortMonthNameArray"_s, NamesFromIcu(names, count));
+            registration.insert(kShortMonthNameArray, NamesFromIcu(names, count));
         // ICU's weekday arrays have an empty entry 0 and begin with Sunday at 1.
         names = symbols.getWeekdays(count, Symbols::FORMAT, Symbols::WIDE);
         if (count == 8)
-            registration.insert(u"NSWeekDayNameArray"_s, NamesFromIcu(names, count, 1));
+            registration.insert(kWeekDayNameArray, NamesFromIcu(names, count, 1));
         names = symbols.getWeekdays(count, Symbols::FORMAT, Symbols::ABBREVIATED);
         if (count == 8)
-            registration.insert(u"NSShortWeekDayNameArray"_s, NamesFromIcu(names, count, 1));
+            registration.insert(kShortWeekDayNameArray, NamesFromIcu(names, count, 1));
         names = symbols.getAmPmStrings(count);
         if (count == 2)
-            registration.insert(u"NSAMPMDesignation"_s, NamesFromIcu(names, count));
+            registration.insert(kAMPMDesignation, NamesFromIcu(names, count));
     }
 
     const std::unique_ptr<icu::DateFormat> dateTime(icu::DateFormat::createDateTimeInstance(
@@ -194,10 +205,16 @@ QVariantMap LocaleDefaultsRegistration()
     const std::unique_ptr<icu::DateFormat> time(
         icu::DateFormat::createTimeInstance(icu::DateFormat::kMedium, *locale));
     if (const QString pattern = PatternOf(dateTime.get()); !pattern.isEmpty())
-        registration.insert(u"NSTimeDateFormatString"_s, CalendarFormatFromIcuPattern(pattern));
+        registration.insert(kTimeDateFormatString, CalendarFormatFromIcuPattern(pattern));
     if (const QString pattern = PatternOf(date.get()); !pattern.isEmpty())
-        registration.insert(u"NSDateFormatString"_s, CalendarFormatFromIcuPattern(pattern, true));
+        registration.insert(kDateFormatString, CalendarFormatFromIcuPattern(pattern, true));
     if (const QString pattern = PatternOf(time.get()); !pattern.isEmpty())
-        registration.insert(u"NSTimeFormatString"_s, CalendarFormatFromIcuPattern(pattern));
+        registration.insert(kTimeFormatString, CalendarFormatFromIcuPattern(pattern));
     return registration;
+}
+
+QStringList LocaleDefaultsKeys()
+{
+    return {kMonthNameArray,  kShortMonthNameArray,  kWeekDayNameArray, kShortWeekDayNameArray,
+            kAMPMDesignation, kTimeDateFormatString, kDateFormatString, kTimeFormatString};
 }

@@ -3,15 +3,17 @@
 #include "platform/PreferencesStore.h"
 
 UserDefaults::UserDefaults(PreferencesStore &store, QString domain,
-                           RegistrationProvider registration)
-    : m_store(store), m_domain(std::move(domain)), m_registration(std::move(registration))
+                           RegistrationProvider registration, QStringList registeredKeys)
+    : m_store(store), m_domain(std::move(domain)), m_registration(std::move(registration)),
+      m_registeredKeys(std::move(registeredKeys))
 {}
 
 QVariant UserDefaults::objectForKey(const QString &key) const
 {
     m_store.appSynchronize(m_domain);
     QVariant value = m_store.copyAppValue(key, m_domain);
-    if (!value.isValid() && m_registration)
+    if (!value.isValid() && m_registration &&
+        (m_registeredKeys.isEmpty() || m_registeredKeys.contains(key)))
         value = m_registration().value(key);
     return value;
 }
@@ -34,7 +36,9 @@ QVariantMap UserDefaults::dictionaryRepresentation() const
     return all;
 }
 
-void UserDefaults::setRegistrationProvider(RegistrationProvider registration)
+void UserDefaults::setRegistrationProvider(RegistrationProvider registration,
+                                           QStringList registeredKeys)
 {
     m_registration = std::move(registration);
+    m_registeredKeys = std::move(registeredKeys);
 }

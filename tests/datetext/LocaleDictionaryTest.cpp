@@ -26,6 +26,20 @@ protected:
     ScopedDateEnvironment m_environment;
 };
 
+TEST_F(LocaleDictionaryTest, EveryLocalesRegistrationStaysWithinTheAnnouncedKeys)
+{
+    // The user defaults consult the registration only for the announced keys: a key built
+    // here but missing from the list would silently never be found.
+    const QStringList announced = LocaleDefaultsKeys();
+    for (const char *locale : {"en_US.UTF-8", "de_DE.UTF-8", "ja_JP.UTF-8", "ar_EG.UTF-8", "C"}) {
+        const QVariantMap registration = registrationFor(locale);
+        for (const QString &key : registration.keys())
+            EXPECT_TRUE(announced.contains(key)) << locale << ": " << key.toStdString();
+    }
+    EXPECT_EQ(QStringList(registrationFor("en_US.UTF-8").keys()).size(), announced.size())
+        << "a complete locale fills every announced key";
+}
+
 TEST_F(LocaleDictionaryTest, AmericanRegistrationMatchesTheEnglishDefaults)
 {
     const QVariantMap registration = registrationFor("en_US.UTF-8");

@@ -57,4 +57,35 @@ TEST_F(UserDefaultsTest, StringForKeyGivesNullForOtherTypes)
     EXPECT_EQ(m_defaults.stringForKey(u"AppleLocale"_s), u"en_US"_s);
 }
 
+TEST_F(UserDefaultsTest, ALayerThatNamesItsKeysIsBuiltOnlyForThoseKeysAndOnlyWhenNotStored)
+{
+    int builds = 0;
+    UserDefaults defaults(
+        m_reader, AppIdentifier,
+        [&builds] {
+            ++builds;
+            return QVariantMap{{u"NSAMPMDesignation"_s, QStringList{u"AM"_s, u"PM"_s}}};
+        },
+        {u"NSAMPMDesignation"_s, u"NSMonthNameArray"_s});
+
+    // What the title reads every second: never in the layer.
+    EXPECT_FALSE(defaults.objectForKey(u"menuTitleFormatter"_s).isValid());
+    EXPECT_TRUE(defaults.stringForKey(u"datePickerValue"_s).isNull());
+    EXPECT_EQ(builds, 0);
+
+    EXPECT_EQ(defaults.objectForKey(u"NSAMPMDesignation"_s).toStringList(),
+              QStringList({u"AM"_s, u"PM"_s}));
+    EXPECT_EQ(builds, 1);
+    // A key it may hold but does not, for this locale.
+    EXPECT_FALSE(defaults.objectForKey(u"NSMonthNameArray"_s).isValid());
+    EXPECT_EQ(builds, 2);
+
+    store(u"NSAMPMDesignation"_s, QVariantList{u"a"_s, u"p"_s});
+    EXPECT_EQ(defaults.objectForKey(u"NSAMPMDesignation"_s).toStringList(),
+              QStringList({u"a"_s, u"p"_s}));
+    EXPECT_EQ(builds, 2) << "a stored value needs no layer";
+    EXPECT_EQ(defaults.dictionaryRepresentation().size(), 1);
+    EXPECT_EQ(builds, 3) << "the whole dictionary still holds the layer";
+}
+
 } // namespace

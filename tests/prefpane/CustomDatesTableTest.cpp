@@ -147,7 +147,8 @@ class CustomDatesPreview : public PrefPaneTest
 protected:
     void SetUp() override
     {
-        memory.userDefaults.setRegistrationProvider(LocaleDefaultsRegistration);
+        memory.userDefaults.setRegistrationProvider(LocaleDefaultsRegistration,
+                                                    LocaleDefaultsKeys());
     }
     void TearDown() override { g_selectedDateTime = 0; }
 };

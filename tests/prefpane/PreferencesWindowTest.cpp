@@ -57,7 +57,8 @@ protected:
         memory.application.infoDictionary.insert(QStringLiteral("CFBundleShortVersionString"),
                                                  QStringLiteral("2.0"));
         m_environment.setLocaleAndZone("en_US.UTF-8", "America/New_York");
-        memory.userDefaults.setRegistrationProvider(LocaleDefaultsRegistration);
+        memory.userDefaults.setRegistrationProvider(LocaleDefaultsRegistration,
+                                                    LocaleDefaultsKeys());
     }
 
     void awake(const QStringList &formats = {})
