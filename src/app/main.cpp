@@ -8,6 +8,7 @@
 #include "platform/Version.h"
 #include "platform/dbus/DBusNotificationCenter.h"
 #include "platform/qt/DesktopSession.h"
+#include "platform/qt/LazyChooserWindow.h"
 #include "platform/qt/QtPlatform.h"
 #include "platform/qt/StatusAreaNotice.h"
 #include "platform/qt/session/DBusSessionService.h"
@@ -54,7 +55,7 @@ int RunDesktopApplication(int argc, char *argv[])
     Platform platform{store,  userDefaults, distributedCenter,   windowCenter, clock,
                       timers, statusBar,    desktop.clipboard(), application};
 
-    QtChooserWindow chooserWindow(windowCenter);
+    LazyChooserWindow chooserWindow(windowCenter);
     PreferencesUi preferences = CreatePreferencesUi(platform, windowCenter);
     AppController controller(platform, {&chooserWindow, &chooserWindow},
                              preferences.controller->window());

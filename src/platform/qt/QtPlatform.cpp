@@ -377,8 +377,9 @@ QString QtApplication::infoDictionaryValue(const QString &key) const
 
 // --- chooser window ---
 
-QtChooserWindow::QtChooserWindow(LocalWindowNotificationCenter &windowCenter)
-    : QWidget(nullptr, Qt::Tool), m_windowCenter(windowCenter), m_calendar(new QCalendarWidget),
+QtChooserWindow::QtChooserWindow(LocalWindowNotificationCenter &windowCenter, Window *announceAs)
+    : QWidget(nullptr, Qt::Tool), m_windowCenter(windowCenter),
+      m_announceAs(announceAs ? announceAs : this), m_calendar(new QCalendarWidget),
       m_edit(new QDateTimeEdit)
 {
     setWindowTitle(QStringLiteral("Date-Time Chooser"));
@@ -442,6 +443,10 @@ void QtChooserWindow::setDateValue(AbsoluteTime value)
     const QSignalBlocker blockEdit(m_edit);
     const QSignalBlocker blockCalendar(m_calendar);
     const QDateTime local = DateFromAbsoluteTime(std::floor(value)).toLocalTime();
+    // A live clock sets the picker 33 times a second while it shows whole seconds: only a new
+    // second may touch (and so repaint) the widgets.
+    if (m_edit->dateTime() == local)
+        return;
     m_edit->setDateTime(local);
     m_calendar->setSelectedDate(local.date());
 }
@@ -458,7 +463,7 @@ void QtChooserWindow::userChanged(const QDateTime &value)
 
 void QtChooserWindow::closeEvent(QCloseEvent *event)
 {
-    m_windowCenter.postWindowWillClose(this);
+    m_windowCenter.postWindowWillClose(m_announceAs);
     QWidget::closeEvent(event);
 }
 

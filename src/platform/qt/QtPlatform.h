@@ -162,7 +162,9 @@ class QtChooserWindow final : public QWidget, public Window, public DatePicker
 {
     Q_OBJECT
 public:
-    explicit QtChooserWindow(LocalWindowNotificationCenter &windowCenter);
+    // Its closing is announced as announceAs's when given (a window that stands in for it).
+    explicit QtChooserWindow(LocalWindowNotificationCenter &windowCenter,
+                             Window *announceAs = nullptr);
 
     // Window
     void makeKeyAndOrderFront() override;
@@ -187,6 +189,7 @@ private:
     void userChanged(const QDateTime &value);
 
     LocalWindowNotificationCenter &m_windowCenter;
+    Window *m_announceAs;
     QCalendarWidget *m_calendar;
     QDateTimeEdit *m_edit;
     std::function<void()> m_action;

@@ -81,6 +81,52 @@ TEST_F(QtChooser, ClosingByEscapeOrTheButtonAnnouncesItFirst)
     EXPECT_EQ(closed.size(), 2);
 }
 
+// Counts the paints of a widget and of everything inside it.
+class PaintCounter : public QObject
+{
+public:
+    explicit PaintCounter(QWidget *widget)
+    {
+        widget->installEventFilter(this);
+        for (QWidget *child : widget->findChildren<QWidget *>())
+            child->installEventFilter(this);
+    }
+    int paints = 0;
+
+protected:
+    bool eventFilter(QObject *, QEvent *event) override
+    {
+        if (event->type() == QEvent::Paint)
+            ++paints;
+        return false;
+    }
+};
+
+TEST_F(QtChooser, ALiveClockRepaintsOnlyWhenTheShownSecondChanges)
+{
+    window.setDateValue(kFriday);
+    window.makeKeyAndOrderFront();
+    QTest::qWait(50);
+    PaintCounter field(window.timeField());
+    PaintCounter calendar(window.calendar());
+
+    // A second of ticks every 0.03 s, all within the shown second.
+    for (double t = kFriday; t < kFriday + 1.0; t += 0.03) {
+        window.setDateValue(t);
+        QCoreApplication::processEvents();
+    }
+    QTest::qWait(20);
+    EXPECT_EQ(field.paints, 0);
+    EXPECT_EQ(calendar.paints, 0);
+    EXPECT_EQ(window.dateValue(), kFriday);
+
+    window.setDateValue(kFriday + 1.0);
+    QTest::qWait(20);
+    EXPECT_GT(field.paints, 0) << "the next second is shown";
+    EXPECT_EQ(calendar.paints, 0) << "on the same day";
+    EXPECT_EQ(actions, 0);
+}
+
 TEST_F(QtChooser, AScreenSaverLevelFloatsAboveOtherWindows)
 {
     EXPECT_FALSE(window.windowFlags().testFlag(Qt::WindowStaysOnTopHint));
