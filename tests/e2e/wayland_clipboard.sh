@@ -32,6 +32,8 @@ if [[ -z "${HORALO_WL_WORK:-}" ]]; then
   # root's home is not.
   mkdir -p "$work/bin" "$work/home" "$work/run"
   cp "$horalo" "$work/bin/horalo"
+  # `horalo` alone becomes the desktop program found beside it.
+  cp "$(dirname "$horalo")/horalo-desktop" "$work/bin/horalo-desktop"
   cp "$reader" "$work/bin/stalled_paste_reader"
   cp "$0" "$(dirname "$0")/sni_standin.py" "$work/bin/"
   chmod 755 "$work" "$work/bin" && chmod 700 "$work/run"
