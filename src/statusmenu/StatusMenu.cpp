@@ -32,6 +32,22 @@ QString FillPlaceholders(const QString &pattern, const QStringList &values)
 
 } // namespace
 
+QString ItIsNowLine(const Clock &clock)
+{
+    return FillPlaceholders(QStringLiteral("It is now: %@"),
+                            {CurrentDateTimeString(clock, kMediumStyle, kShortStyle)});
+}
+
+QString DaysToLine(const Clock &clock)
+{
+    QString days = NSDateExtensions::daysSinceAbsoluteTme(clock, g_selectedDateTime);
+    // Past and future moments read alike: the count is shown without its sign.
+    if (days.startsWith(QLatin1Char('-')))
+        days.remove(0, 1);
+    return FillPlaceholders(QStringLiteral("Days To %@: %@"),
+                            {MakeCurrentDateTimeStringRef(clock, kMediumStyle, kShortStyle), days});
+}
+
 StatusMenu::StatusMenu(Platform &platform, MenuDelegate &delegate, MenuTarget &target)
     : m_platform(platform), m_delegate(delegate), m_target(target)
 {}
@@ -75,19 +91,10 @@ void StatusMenu::buildMenu(const QStringList &customDates)
 
     const Clock &clock = m_platform.clock;
     addItem(QStringLiteral("Date-Time Chooser"), QStringLiteral("showCalendar:"));
-    addItem(FillPlaceholders(QStringLiteral("It is now: %@"),
-                             {CurrentDateTimeString(clock, kMediumStyle, kShortStyle)}),
-            QString());
+    addItem(ItIsNowLine(clock), QString());
 
     if (g_selectedDateTime != 0.0) {
-        QString days = NSDateExtensions::daysSinceAbsoluteTme(clock, g_selectedDateTime);
-        // Past and future moments read alike: the count is shown without its sign.
-        if (days.startsWith(QLatin1Char('-')))
-            days.remove(0, 1);
-        addItem(FillPlaceholders(
-                    QStringLiteral("Days To %@: %@"),
-                    {MakeCurrentDateTimeStringRef(clock, kMediumStyle, kShortStyle), days}),
-                QString());
+        addItem(DaysToLine(clock), QString());
 
         QString phrase;
         if (const auto date = NSDateExtensions::dateFromCFAbsoluteTime(clock, g_selectedDateTime))

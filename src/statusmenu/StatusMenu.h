@@ -61,6 +61,11 @@ private:
     std::function<void(const QString &)> m_titleObserver;
 };
 
+// The menu's head lines: "It is now: ..." (always the current time) and "Days To ...: N days"
+// (for the chooser's moment, meaningful only while one is picked).
+QString ItIsNowLine(const Clock &clock);
+QString DaysToLine(const Clock &clock);
+
 // The menu as lines of text, one per entry: "TITLE<TAB>ACTION<TAB>TOOLTIP", or "-" for a
 // separator. What `horalo menu` prints. `shown`, when given, is applied to every title and tool
 // tip (the command line strips control characters with it).
