@@ -3,39 +3,115 @@
 #include "app/cli/DefaultsCommand.h"
 #include "app/cli/MenuCommand.h"
 #include "app/cli/RenderCommand.h"
+#include "app/cli/SessionCommands.h"
 #include "app/cli/TerminalText.h"
+#include "platform/Version.h"
+
+#include <QCommandLineParser>
 
 #include <cstdio>
+
+using namespace Qt::StringLiterals;
 
 namespace {
 struct Command
 {
     const char *name;
+    const char *summary;
     CliCommand run;
 };
 
 const Command kCommands[] = {
-    {"defaults", RunDefaultsCommand}, {"render", RunRenderCommand}, {"since", RunSinceCommand},
-    {"menu", RunMenuCommand},         {"title", RunTitleCommand},   {"copy", RunCopyCommand},
+    {"defaults",
+     "read, write and delete settings (defaults read | write KEY -TYPE VALUE | delete KEY)",
+     RunDefaultsCommand},
+    {"render", "print the text of a format NAME or --format FORMAT", RunRenderCommand},
+    {"since", "say how long ago, or how far ahead, a TIME is", RunSinceCommand},
+    {"menu", "print the menu as it would open now", RunMenuCommand},
+    {"title", "print what the title shows; --follow keeps printing it for status bars",
+     RunTitleCommand},
+    {"copy", "print the text a menu entry copies; --clipboard has Horalo copy it", RunCopyCommand},
+    {"show-menu", "open the running Horalo's menu at the pointer", RunShowMenuCommand},
 };
+
+QString CommandNames()
+{
+    QStringList names;
+    for (const Command &command : kCommands)
+        names.append(QLatin1String(command.name));
+    return names.join(u", "_s);
+}
+
+QString GeneralHelp()
+{
+    QString help = u"Usage: horalo                  start the clock in the status area\n"
+                   u"       horalo COMMAND [ARGS]   run a command\n"
+                   u"       horalo COMMAND --help   describe a command\n"
+                   u"\n"
+                   u"Commands:\n"_s;
+    for (const Command &command : kCommands) {
+        help += u"  %1 %2\n"_s.arg(QLatin1String(command.name), -10)
+                    .arg(QLatin1String(command.summary));
+    }
+    help += u"\n"
+            u"Options:\n"
+            u"  -h, --help    show this help\n"
+            u"  --version     print the version\n"
+            u"\n"
+            u"TIME is ISO 8601 with an offset or Z (2006-03-10T14:31:47-05:00), or @SECONDS "
+            u"since 1970.\n"_s;
+    return help;
+}
+
+// The options before a command: help and version. Nothing else may come before the command.
+std::optional<int> RunGeneralOptions(const QStringList &arguments, QTextStream &out,
+                                     QTextStream &err)
+{
+    QCommandLineParser parser;
+    const QCommandLineOption help({u"h"_s, u"help"_s}, u"Show the help."_s);
+    const QCommandLineOption version(u"version"_s, u"Print the version."_s);
+    parser.addOption(help);
+    parser.addOption(version);
+    // Everything from the command word on belongs to the command.
+    parser.setOptionsAfterPositionalArgumentsMode(QCommandLineParser::ParseAsPositionalArguments);
+    if (!parser.parse(arguments)) {
+        const QStringList unknown = parser.unknownOptionNames();
+        PrintCommandLineError(
+            err, unknown.isEmpty()
+                     ? parser.errorText()
+                     : u"unknown option '%1%2' (try 'horalo --help')"_s.arg(
+                           unknown.first().size() == 1 ? u"-"_s : u"--"_s, unknown.first()));
+        return 2;
+    }
+    if (parser.isSet(help)) {
+        out << GeneralHelp();
+        return 0;
+    }
+    if (parser.isSet(version)) {
+        out << "horalo " << HORALO_VERSION << '\n';
+        return 0;
+    }
+    return std::nullopt;
+}
+
 } // namespace
 
-std::optional<int> RunCommandLine(const QStringList &arguments)
+std::optional<int> RunCommandLine(const QStringList &arguments, QTextStream &out, QTextStream &err)
 {
     if (arguments.size() < 2)
         return std::nullopt;
     const QString word = arguments.at(1);
-    for (const Command &command : kCommands) {
-        if (word == QLatin1String(command.name)) {
-            QTextStream out(stdout);
-            QTextStream err(stderr);
-            const int status = command.run(arguments.mid(2), out, err);
-            out.flush();
-            err.flush();
+    if (word.startsWith(QLatin1Char('-'))) {
+        if (const std::optional<int> status = RunGeneralOptions(arguments, out, err))
             return status;
-        }
     }
-    return std::nullopt;
+    for (const Command &command : kCommands) {
+        if (word == QLatin1String(command.name))
+            return command.run(arguments.mid(2), out, err);
+    }
+    PrintCommandLineError(err, u"unknown command '%1' (commands: %2; see 'horalo --help')"_s.arg(
+                                   word, CommandNames()));
+    return 2;
 }
 
 std::optional<int> RunCommandLine(int argc, const char *const argv[])
@@ -50,10 +126,9 @@ std::optional<int> RunCommandLine(int argc, const char *const argv[])
         PrintCommandLineError(err, error);
         return 2;
     }
-    if (const std::optional<int> status = RunCommandLine(*arguments))
-        return status;
-    PrintCommandLineError(err, QStringLiteral("unknown command '%1' (commands: defaults, render, "
-                                              "since, menu, title, copy)")
-                                   .arg(arguments->at(1)));
-    return 2;
+    QTextStream out(stdout);
+    const std::optional<int> status = RunCommandLine(*arguments, out, err);
+    out.flush();
+    err.flush();
+    return status;
 }

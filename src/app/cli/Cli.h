@@ -8,10 +8,12 @@
 // 2 for bad input.
 using CliCommand = int (*)(const QStringList &args, QTextStream &out, QTextStream &err);
 
-// Runs `horalo COMMAND ...` when argv names a command; returns std::nullopt when it does not
-// (the desktop application should start instead).
 #include <optional>
-std::optional<int> RunCommandLine(const QStringList &arguments);
+
+// Runs `horalo COMMAND ...` (arguments[0] is the program), or the general options (--help,
+// --version), printing on out and err. std::nullopt when there is nothing but the program's
+// name: the desktop application should start. An unknown command is bad input (status 2).
+std::optional<int> RunCommandLine(const QStringList &arguments, QTextStream &out, QTextStream &err);
 
 // The process's arguments: std::nullopt when there are none (the desktop application should
 // start), otherwise the exit status of the command they name. Arguments that are not valid

@@ -322,6 +322,32 @@ QString DescribeDefaultsValue(const QVariant &value)
     return Describe(value, 0, true);
 }
 
+namespace {
+
+const QString kDefaultsHelp = QStringLiteral(
+    "Usage: horalo defaults read [KEY]\n"
+    "       horalo defaults write KEY -TYPE VALUE\n"
+    "       horalo defaults write KEY -array [VALUE...]\n"
+    "       horalo defaults delete KEY\n"
+    "\n"
+    "Reads and writes Horalo's settings file. A write or delete tells a running Horalo to\n"
+    "rebuild its menu at once.\n"
+    "\n"
+    "Types:\n"
+    "  -bool      true, false, yes, no, 1 or 0\n"
+    "  -int       a whole number\n"
+    "  -float     a number\n"
+    "  -string    text\n"
+    "  -date      ISO 8601 with an offset or Z\n"
+    "  -array     any number of strings\n"
+    "\n"
+    "Examples:\n"
+    "  horalo defaults write menuTitleFormatter -string \"%a %H:%M\"\n"
+    "  horalo defaults write IncludeTimeOnlyItems -bool yes\n"
+    "  horalo defaults delete menuTitleFormatter\n");
+
+} // namespace
+
 int RunDefaultsCommandOn(PreferencesStore &store, DistributedNotificationCenter *center,
                          const QStringList &args, QTextStream &out, QTextStream &err)
 {
@@ -340,8 +366,14 @@ int RunDefaultsCommandOn(PreferencesStore &store, DistributedNotificationCenter 
 
 int RunDefaultsCommand(const QStringList &args, QTextStream &out, QTextStream &err)
 {
-    PlistPreferencesStore store;
     const QString verb = args.value(0);
+    // The type flags are single-dash words that no general parser reads as such; only help is
+    // an option here.
+    if (verb == u"--help" || verb == u"-h") {
+        out << kDefaultsHelp;
+        return 0;
+    }
+    PlistPreferencesStore store;
     if (verb != u"write" && verb != u"delete")
         return RunDefaultsCommandOn(store, nullptr, args, out, err);
 

@@ -1,70 +1,45 @@
 #include "app/cli/MenuCommand.h"
 
-#include "app/AppController.h"
+#include "app/cli/CommandParser.h"
+#include "app/cli/HeadlessApplication.h"
+#include "app/cli/SessionCommands.h"
+#include "app/cli/StatusBarLine.h"
 #include "app/cli/TerminalText.h"
-#include "app/cli/TimeArgument.h"
 #include "datetext/DateText.h"
-#include "platform/memory/InMemoryPlatform.h"
-#include "platform/store/PlistPreferencesStore.h"
 #include "statusmenu/CopyActions.h"
 #include "statusmenu/StatusMenu.h"
 
+using namespace Qt::StringLiterals;
+
 namespace {
 
-// The real controller, launched as the application launches it, on the in-memory platform
-// and the user's real settings.
-class HeadlessApplication
+int Fail(QTextStream &err, const QString &message)
 {
-public:
-    explicit HeadlessApplication(const TimeOptions &options)
-        : m_platform(options.now.value_or(SystemClock().currentAbsoluteTime()), &m_store)
-    {
-        m_platform.userDefaults.setRegistrationProvider(LocaleDefaultsRegistration,
-                                                        LocaleDefaultsKeys());
-        m_controller.awakeFromNib();
-        m_controller.applicationWillFinishLaunching();
-        // As if the moment had been picked in the chooser; the reference instant itself means
-        // nothing is picked.
-        g_selectedDateTime = options.at.value_or(0.0);
-    }
-
-    AppController &controller() { return m_controller; }
-    InMemoryPlatform &platform() { return m_platform; }
-
-private:
-    PlistPreferencesStore m_store;
-    InMemoryPlatform m_platform;
-    Platform m_services = m_platform.platform();
-    AppController m_controller{m_services, m_platform.chooserInterface(), nullptr};
-};
-
-bool TakeOptionsOnly(QStringList &args, TimeOptions &options, QTextStream &err)
-{
-    QString error;
-    if (!TakeTimeOptions(args, options, error)) {
-        PrintCommandLineError(err, error);
-        return false;
-    }
-    return true;
+    PrintCommandLineError(err, message);
+    return 2;
 }
 
-bool NoArgumentsLeft(const QStringList &args, QTextStream &err)
+bool NoArgumentsLeft(const CommandParser &parser, QTextStream &err)
 {
-    if (args.isEmpty())
+    if (parser.positional().isEmpty())
         return true;
-    PrintCommandLineError(err, QStringLiteral("unexpected argument '%1'").arg(args.first()));
+    PrintCommandLineError(err, u"unexpected argument '%1'"_s.arg(parser.positional().first()));
     return false;
 }
 
 } // namespace
 
-int RunMenuCommand(const QStringList &arguments, QTextStream &out, QTextStream &err)
+int RunMenuCommand(const QStringList &args, QTextStream &out, QTextStream &err)
 {
-    QStringList args = arguments;
-    TimeOptions options;
-    if (!TakeOptionsOnly(args, options, err) || !NoArgumentsLeft(args, err))
+    CommandParser parser({u"menu [options]"_s},
+                         u"Prints the menu as it would open now, one entry a line: its text, its "
+                         u"action and its tool tip, split by tabs; \"-\" for a separator."_s);
+    parser.addTimeOptions();
+    if (const std::optional<int> status = parser.parse(args, out, err))
+        return *status;
+    if (!NoArgumentsLeft(parser, err))
         return 2;
-    HeadlessApplication app(options);
+    HeadlessApplication app(parser.time());
     // What the user sees: the menu as rebuilt when it is about to open.
     app.platform().statusItem()->openMenu();
     // A custom format can hold anything, and the rows are fields split by tabs.
@@ -74,56 +49,91 @@ int RunMenuCommand(const QStringList &arguments, QTextStream &out, QTextStream &
     return 0;
 }
 
-int RunTitleCommand(const QStringList &arguments, QTextStream &out, QTextStream &err)
+int RunTitleCommand(const QStringList &args, QTextStream &out, QTextStream &err)
 {
-    QStringList args = arguments;
-    TimeOptions options;
-    if (!TakeOptionsOnly(args, options, err) || !NoArgumentsLeft(args, err))
+    CommandParser parser(
+        {u"title [options]"_s, u"title --follow [--json]"_s},
+        u"Prints what the status item's title shows now. With --follow, prints it again each "
+        u"time it changes, following the running Horalo (and the moment picked in its chooser) "
+        u"or, when none runs, the settings; it stops when standard input closes."_s);
+    parser.addOption({u"follow"_s, u"Keep printing the title, a line each time it changes."_s});
+    parser.addOption({u"json"_s, u"Print JSON objects for Waybar (text, tooltip, class)."_s});
+    parser.addTimeOptions();
+    if (const std::optional<int> status = parser.parse(args, out, err))
+        return *status;
+    if (!NoArgumentsLeft(parser, err))
         return 2;
-    HeadlessApplication app(options);
-    InMemoryStatusItem &item = *app.platform().statusItem();
-    app.controller().itemTitleTimerAction(app.controller().statusMenu().itemTitleTimer());
+    const bool json = parser.isSet(u"json"_s);
+    if (parser.isSet(u"follow"_s)) {
+        if (parser.time().now || parser.time().at)
+            return Fail(err, u"--follow shows the live title; it takes no --now or --at"_s);
+        return FollowTitle(json, out, err);
+    }
+
+    HeadlessApplication app(parser.time());
     // A refresh that would leave the title as it was prints nothing.
-    if (item.titleSetCount() > 0)
-        out << WithoutControlCharacters(item.title()) << '\n';
+    const std::optional<QString> title = app.refreshTitle();
+    if (!title)
+        return 0;
+    if (!json) {
+        out << PlainStatusBarLine({*title, {}, false}) << '\n';
+        return 0;
+    }
+    const Clock &clock = app.platform().clock;
+    StatusBarState state{*title, ItIsNowLine(clock), g_selectedDateTime != 0.0};
+    if (state.picked)
+        state.tooltip += QLatin1Char('\n') + DaysToLine(clock);
+    out << JsonStatusBarLine(state) << '\n';
     return 0;
 }
 
-int RunCopyCommand(const QStringList &arguments, QTextStream &out, QTextStream &err)
+int RunCopyCommand(const QStringList &args, QTextStream &out, QTextStream &err)
 {
-    QStringList args = arguments;
-    TimeOptions options;
-    if (!TakeOptionsOnly(args, options, err))
-        return 2;
+    CommandParser parser(
+        {u"copy [options] NAME"_s, u"copy [options] --format FORMAT"_s},
+        u"Prints the text that the menu entry of format NAME copies (or a custom FORMAT's). With "
+        u"--clipboard, the running Horalo puts it on the clipboard, for its moment."_s);
+    parser.addArgument(u"NAME"_s,
+                       u"A menu format name, such as \"Numerical Date\"; quote names with "
+                       u"spaces."_s);
+    parser.addOption({u"format"_s, u"Copy this custom format instead."_s, u"FORMAT"_s});
+    parser.addOption(
+        {u"clipboard"_s, u"Have the running Horalo copy the text to the clipboard."_s});
+    parser.addTimeOptions();
+    if (const std::optional<int> status = parser.parse(args, out, err))
+        return *status;
 
+    QStringList positional = parser.positional();
     MenuItem sender;
-    const qsizetype formatAt = args.indexOf(QStringLiteral("--format"));
-    if (formatAt >= 0) {
-        if (formatAt + 1 >= args.size()) {
-            PrintCommandLineError(err, u"--format needs a format string");
-            return 2;
-        }
-        sender.action = QStringLiteral("customDateFormatter:");
-        sender.toolTip = args.at(formatAt + 1);
-        args.remove(formatAt, 2);
-    } else if (!args.isEmpty()) {
-        const QString name = args.takeFirst();
-        sender.action = CopyActionForMenuName(name);
+    QString busName; // what the running application's Copy takes
+    if (parser.isSet(u"format"_s)) {
+        if (!positional.isEmpty())
+            return Fail(err, u"give either a format NAME or --format STRING, not both"_s);
+        sender.action = u"customDateFormatter:"_s;
+        sender.toolTip = parser.value(u"format"_s);
+        busName = u"custom:"_s + sender.toolTip;
+    } else if (!positional.isEmpty()) {
+        busName = positional.takeFirst();
+        sender.action = CopyActionForMenuName(busName);
         if (sender.action.isEmpty()) {
-            PrintCommandLineError(
-                err, QStringLiteral("not a menu format name: '%1' (try 'Numerical Date' or "
-                                    "--format STRING)")
-                         .arg(name));
-            return 2;
+            return Fail(err, u"not a menu format name: '%1' (try 'Numerical Date' or "
+                             u"--format STRING)"_s.arg(busName));
         }
+        if (!positional.isEmpty())
+            return Fail(err, u"unexpected argument '%1'"_s.arg(positional.first()));
     } else {
-        PrintCommandLineError(err, u"copy needs a menu format name or --format STRING");
-        return 2;
+        return Fail(err, u"copy needs a menu format name or --format STRING"_s);
     }
-    if (!NoArgumentsLeft(args, err))
-        return 2;
 
-    HeadlessApplication app(options);
+    if (parser.isSet(u"clipboard"_s)) {
+        if (parser.time().now || parser.time().at) {
+            return Fail(err, u"--clipboard copies the running Horalo's moment; it takes no "
+                             u"--now or --at"_s);
+        }
+        return CopyThroughRunningHoralo(busName, out, err);
+    }
+
+    HeadlessApplication app(parser.time());
     sender.title = sender.action;
     app.controller().performAction(sender.action, sender);
     const std::optional<QByteArray> copied = app.platform().clipboard.contents();

@@ -1,5 +1,6 @@
 #include "app/cli/RenderCommand.h"
 
+#include "app/cli/CommandParser.h"
 #include "app/cli/TerminalText.h"
 #include "app/cli/TimeArgument.h"
 #include "datetext/DateFormatCatalogue.h"
@@ -43,50 +44,6 @@ private:
     std::optional<QVariantMap> m_dictionary;
 };
 
-// A command's options and its positional arguments.
-struct ParsedArguments
-{
-    TimeOptions time;
-    QMap<QString, QString> values; // option name -> value
-    QStringList positional;
-};
-
-// Takes the time options, then every option of `withValue` (as "--name VALUE" or
-// "--name=VALUE"); anything else that begins with "--" is an error, except after "--".
-bool ParseArguments(const QStringList &args, const QStringList &withValue, ParsedArguments &parsed,
-                    QString &error)
-{
-    QStringList rest = args;
-    if (!TakeTimeOptions(rest, parsed.time, error))
-        return false;
-    for (qsizetype i = 0; i < rest.size(); ++i) {
-        const QString &arg = rest.at(i);
-        if (arg == u"--") {
-            parsed.positional.append(rest.mid(i + 1));
-            break;
-        }
-        if (!arg.startsWith(u"--")) {
-            parsed.positional.append(arg);
-            continue;
-        }
-        const qsizetype equals = arg.indexOf(QLatin1Char('='));
-        const QString name = equals < 0 ? arg : arg.left(equals);
-        if (!withValue.contains(name)) {
-            error = u"unknown option '%1'"_s.arg(name);
-            return false;
-        }
-        if (equals >= 0) {
-            parsed.values.insert(name, arg.mid(equals + 1));
-        } else if (i + 1 < rest.size()) {
-            parsed.values.insert(name, rest.at(++i));
-        } else {
-            error = u"%1 needs a value"_s.arg(name);
-            return false;
-        }
-    }
-    return true;
-}
-
 int Fail(QTextStream &err, const QString &message, int status = 2)
 {
     PrintCommandLineError(err, message);
@@ -109,25 +66,33 @@ std::optional<qint32> ParseInteger(const QString &text)
 
 int RunRenderCommand(const QStringList &args, QTextStream &out, QTextStream &err)
 {
-    ParsedArguments parsed;
-    QString error;
-    if (!ParseArguments(args, {u"--format"_s}, parsed, error))
-        return Fail(err, error);
-    const bool hasFormat = parsed.values.contains(u"--format"_s);
-    if (hasFormat && !parsed.positional.isEmpty())
+    CommandParser parser({u"render [options] NAME"_s, u"render [options] --format FORMAT"_s},
+                         u"Prints the text of a format: a menu or title format NAME (\"Long "
+                         u"Date\", \"Numerical Date No Hyphens\", \"Short Date Time\", "
+                         u"\"GMT\"), or a custom FORMAT of % conversions."_s);
+    parser.addArgument(u"NAME"_s, u"A menu or title format name; quote names with spaces."_s);
+    parser.addOption(
+        {u"format"_s, u"Render this custom format instead of a named one."_s, u"FORMAT"_s});
+    parser.addTimeOptions();
+    if (const std::optional<int> status = parser.parse(args, out, err))
+        return *status;
+    const QStringList positional = parser.positional();
+    const bool hasFormat = parser.isSet(u"format"_s);
+    if (hasFormat && !positional.isEmpty())
         return Fail(err, u"give either a format NAME or --format STRING, not both"_s);
-    if (!hasFormat && parsed.positional.size() != 1) {
-        return Fail(err, parsed.positional.isEmpty()
+    if (!hasFormat && positional.size() != 1) {
+        return Fail(err, positional.isEmpty()
                              ? u"render needs a format NAME or --format STRING"_s
                              : u"render takes one format NAME (quote a name with spaces)"_s);
     }
+    const TimeOptions &time = parser.time();
 
     const ScopedDateState state;
-    FixedClock fixedClock(parsed.time.now.value_or(0));
+    FixedClock fixedClock(time.now.value_or(0));
     const SystemClock systemClock;
-    const Clock &clock = parsed.time.now ? static_cast<const Clock &>(fixedClock) : systemClock;
+    const Clock &clock = time.now ? static_cast<const Clock &>(fixedClock) : systemClock;
     // As the chooser does: an instant of exactly 0 means that no moment is picked.
-    g_selectedDateTime = parsed.time.at.value_or(0);
+    g_selectedDateTime = time.at.value_or(0);
 
     QString text;
     if (hasFormat) {
@@ -135,9 +100,9 @@ int RunRenderCommand(const QStringList &args, QTextStream &out, QTextStream &err
         gUserDefaultsDictionary = LocaleDefaultsRegistration();
         text = MakeFormattedDateString(
             CalendarDateWithTimeIntervalSinceReferenceDate(WorkingInstant(clock)),
-            parsed.values.value(u"--format"_s));
+            parser.value(u"format"_s));
     } else {
-        const QString name = parsed.positional.first();
+        const QString name = positional.first();
         if (const CatalogueFormat *format = CatalogueFormatWithMenuName(name))
             text = CatalogueFormatText(*format, WorkingInstant(clock));
         else if (const std::optional<QString> title = TitleFormatText(name, clock))
@@ -153,42 +118,49 @@ int RunRenderCommand(const QStringList &args, QTextStream &out, QTextStream &err
 
 int RunSinceCommand(const QStringList &args, QTextStream &out, QTextStream &err)
 {
-    ParsedArguments parsed;
+    CommandParser parser({u"since [options] TIME"_s},
+                         u"Says how long ago TIME was, or how far ahead it lies, as the chooser's "
+                         u"lines do: \"10 months, 2 weeks\"."_s);
+    parser.addArgument(u"TIME"_s, u"ISO 8601 with an offset or Z, or @SECONDS since 1970."_s);
+    parser.addOption({u"depth"_s, u"Name at most N units, largest first."_s, u"N"_s});
+    parser.addOption(
+        {u"unit"_s, u"Count in one unit: 1 seconds, 2 minutes, ... 7 years."_s, u"N"_s});
+    parser.addTimeOptions();
+    if (const std::optional<int> status = parser.parse(args, out, err))
+        return *status;
+    const QStringList positional = parser.positional();
+    if (positional.size() != 1)
+        return Fail(err,
+                    positional.isEmpty() ? u"since needs a TIME"_s : u"since takes one TIME"_s);
     QString error;
-    if (!ParseArguments(args, {u"--depth"_s, u"--unit"_s}, parsed, error))
-        return Fail(err, error);
-    if (parsed.positional.size() != 1) {
-        return Fail(err, parsed.positional.isEmpty() ? u"since needs a TIME"_s
-                                                     : u"since takes one TIME"_s);
-    }
-    const std::optional<AbsoluteTime> time = ReadTimeArgument(parsed.positional.first(), error);
+    const std::optional<AbsoluteTime> time = ReadTimeArgument(positional.first(), error);
     if (!time)
         return Fail(err, error);
-    const bool hasDepth = parsed.values.contains(u"--depth"_s);
-    const bool hasUnit = parsed.values.contains(u"--unit"_s);
+    const bool hasDepth = parser.isSet(u"depth"_s);
+    const bool hasUnit = parser.isSet(u"unit"_s);
     if (hasDepth && hasUnit)
         return Fail(err, u"give --depth or --unit, not both"_s);
     std::optional<qint32> depth;
     std::optional<qint32> unit;
     if (hasDepth) {
-        depth = ParseInteger(parsed.values.value(u"--depth"_s));
+        depth = ParseInteger(parser.value(u"depth"_s));
         if (!depth)
-            return Fail(err, u"--depth needs an integer, not '%1'"_s.arg(
-                                 parsed.values.value(u"--depth"_s)));
+            return Fail(err, u"--depth needs an integer, not '%1'"_s.arg(parser.value(u"depth"_s)));
     }
     if (hasUnit) {
-        unit = ParseInteger(parsed.values.value(u"--unit"_s));
+        unit = ParseInteger(parser.value(u"unit"_s));
         // Checked here: the phrase itself fails loudly on a unit outside the table.
         if (!unit || *unit < 1 || *unit > 7)
             return Fail(err, u"--unit needs an integer from 1 (seconds) to 7 (years), "
-                             u"not '%1'"_s.arg(parsed.values.value(u"--unit"_s)));
+                             u"not '%1'"_s.arg(parser.value(u"unit"_s)));
     }
+    const TimeOptions &options = parser.time();
 
     const ScopedDateState state;
-    FixedClock fixedClock(parsed.time.now.value_or(0));
+    FixedClock fixedClock(options.now.value_or(0));
     const SystemClock systemClock;
-    const Clock &clock = parsed.time.now ? static_cast<const Clock &>(fixedClock) : systemClock;
-    g_selectedDateTime = parsed.time.at.value_or(0);
+    const Clock &clock = options.now ? static_cast<const Clock &>(fixedClock) : systemClock;
+    g_selectedDateTime = options.at.value_or(0);
 
     const std::optional<NSDateExtensions> date =
         NSDateExtensions::dateFromCFAbsoluteTime(clock, *time);

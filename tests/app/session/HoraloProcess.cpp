@@ -146,3 +146,11 @@ QString HoraloBinary()
 {
     return QStringLiteral(HORALO_BINARY);
 }
+
+void DefaultsWrite(const TestUser &user, const QStringList &arguments)
+{
+    HoraloProcess defaults(user);
+    ASSERT_TRUE(
+        defaults.run(QStringList{QStringLiteral("defaults"), QStringLiteral("write")} + arguments));
+    ASSERT_EQ(defaults.exitCode(), 0) << defaults.readStderr().constData();
+}

@@ -4,6 +4,8 @@
 // with a home and configuration of its own, and, when a clipboard is needed, on a private X
 // server.
 
+#include "SniTestSupport.h"
+
 #include <QDBusMessage>
 #include <QProcess>
 #include <QProcessEnvironment>
@@ -77,3 +79,36 @@ QDBusMessage CallHoralo(const QString &method, const QVariantList &arguments = {
 QByteArray ReadClipboard(const QString &display);
 // The path of the application built with the tests.
 QString HoraloBinary();
+
+// `horalo defaults write ARGUMENTS` as the user, which must succeed.
+void DefaultsWrite(const TestUser &user, const QStringList &arguments);
+
+// One Horalo running on the private X server, its item shown by a stand-in panel.
+class RunningHoralo : public ::testing::Test
+{
+protected:
+    void SetUp() override
+    {
+        ASSERT_FALSE(display.isEmpty()) << "Xvfb could not start";
+        ASSERT_FALSE(HoraloIsOnBus()) << "a Horalo from an earlier test still runs";
+        prepare();
+        horalo.start();
+        ASSERT_TRUE(WaitForHoraloOnBus()) << horalo.readStderr().constData();
+        ASSERT_TRUE(WaitFor([this] { return watcher.registeredItems().size() == 1; }, 10000));
+    }
+    void TearDown() override
+    {
+        horalo.process().terminate();
+        horalo.waitForExit();
+        WaitForHoraloOnBus(false);
+    }
+    // Settings written before the start.
+    virtual void prepare() {}
+
+    void defaultsWrite(const QStringList &arguments) { DefaultsWrite(user, arguments); }
+
+    QString display = XServer::display();
+    StandInWatcher watcher;
+    TestUser user;
+    HoraloProcess horalo{user, display};
+};

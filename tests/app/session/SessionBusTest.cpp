@@ -115,42 +115,6 @@ QString ErrorOf(const QDBusMessage &reply)
                : QString();
 }
 
-// One Horalo running on the private X server, its item shown by a stand-in panel.
-class RunningHoralo : public ::testing::Test
-{
-protected:
-    void SetUp() override
-    {
-        ASSERT_FALSE(display.isEmpty()) << "Xvfb could not start";
-        ASSERT_FALSE(HoraloIsOnBus()) << "a Horalo from an earlier test still runs";
-        prepare();
-        horalo.start();
-        ASSERT_TRUE(WaitForHoraloOnBus()) << horalo.readStderr().constData();
-        ASSERT_TRUE(WaitFor([this] { return watcher.registeredItems().size() == 1; }, 10000));
-    }
-    void TearDown() override
-    {
-        horalo.process().terminate();
-        horalo.waitForExit();
-        WaitForHoraloOnBus(false);
-    }
-    // Settings written before the start.
-    virtual void prepare() {}
-
-    void defaultsWrite(const QStringList &arguments)
-    {
-        HoraloProcess defaults(user);
-        ASSERT_TRUE(defaults.run(QStringList{QStringLiteral("defaults"), QStringLiteral("write")} +
-                                 arguments));
-        ASSERT_EQ(defaults.exitCode(), 0) << defaults.readStderr().constData();
-    }
-
-    QString display = XServer::display();
-    StandInWatcher watcher;
-    TestUser user;
-    HoraloProcess horalo{user, display};
-};
-
 using Interface = RunningHoralo;
 
 TEST_F(Interface, CopyPutsTheExactBytesOnTheClipboardAndReturnsThem)
@@ -209,7 +173,8 @@ TEST_F(TitleFollowers, TitleChangedArrivesOncePerChangeWithPropertiesChanged)
     Settle(200);
     const QRegularExpression clock(QStringLiteral("^\\d\\d:\\d\\d:\\d\\d$"));
     for (qsizetype i = 0; i < received.titles.size(); ++i) {
-        EXPECT_TRUE(clock.match(received.titles.at(i)).hasMatch()) << received.titles.at(i).toStdString();
+        EXPECT_TRUE(clock.match(received.titles.at(i)).hasMatch())
+            << received.titles.at(i).toStdString();
         if (i > 0) {
             EXPECT_LT(received.titles.at(i - 1), received.titles.at(i))
                 << "each signal is a new, later title";
@@ -224,7 +189,8 @@ TEST_F(TitleFollowers, TitleChangedArrivesOncePerChangeWithPropertiesChanged)
         << HoraloBus::Interface << QStringLiteral("Title"));
     const QString title = reply.arguments().value(0).value<QDBusVariant>().variant().toString();
     Settle(50);
-    EXPECT_TRUE(received.titles.mid(received.titles.size() - 2).contains(title)) << title.toStdString();
+    EXPECT_TRUE(received.titles.mid(received.titles.size() - 2).contains(title))
+        << title.toStdString();
 }
 
 using EntryMethods = RunningHoralo;

@@ -1,0 +1,171 @@
+// `horalo title --follow` as a status bar runs it: lines of consecutive seconds with a
+// %H:%M:%S title, a change of the settings shown at the next tick, JSON that parses, and an end
+// when standard input closes; with a running Horalo (followed over the bus) and without.
+
+#include "HoraloProcess.h"
+#include "support/QtPrinters.h"
+
+#include <QJsonDocument>
+#include <QJsonObject>
+#include <QTime>
+
+namespace {
+
+const QString kClock = QStringLiteral("%H:%M:%S");
+const QString kMarkedClock = QStringLiteral("X%H:%M:%S");
+
+// Reads lines of a follower; each is checked to be a clock, with or without the mark.
+class Follower
+{
+public:
+    Follower(const TestUser &user, const QStringList &arguments) : m_process(user, QString())
+    {
+        m_process.start(QStringList{QStringLiteral("title"), QStringLiteral("--follow")} +
+                        arguments);
+    }
+
+    QString line()
+    {
+        const QByteArray line = m_process.readLine(4000);
+        EXPECT_TRUE(line.endsWith('\n'))
+            << "no line within a few seconds: " << m_process.readStderr().constData();
+        return QString::fromUtf8(line).trimmed();
+    }
+
+    HoraloProcess &process() { return m_process; }
+
+private:
+    HoraloProcess m_process;
+};
+
+QTime ClockOf(const QString &line)
+{
+    const QString clock = line.startsWith(QLatin1Char('X')) ? line.mid(1) : line;
+    const QTime time = QTime::fromString(clock, QStringLiteral("HH:mm:ss"));
+    EXPECT_TRUE(time.isValid()) << line.toStdString();
+    return time;
+}
+
+// Lines one second apart, each the next second, and a settings write that shows at the next
+// tick (a line already on its way may still show the old one).
+void ExpectConsecutiveSecondsThatFollowAWrite(Follower &follower, const TestUser &user)
+{
+    QStringList lines;
+    for (int i = 0; i < 3; ++i)
+        lines.append(follower.line());
+    DefaultsWrite(user,
+                  {QStringLiteral("menuTitleFormatter"), QStringLiteral("-string"), kMarkedClock});
+    qsizetype firstAfterWrite = lines.size();
+    for (int i = 0; i < 3; ++i)
+        lines.append(follower.line());
+
+    for (qsizetype i = 1; i < lines.size(); ++i) {
+        EXPECT_EQ(ClockOf(lines.at(i - 1)).addSecs(1), ClockOf(lines.at(i)))
+            << "lines " << i - 1 << " and " << i << ": "
+            << lines.join(QLatin1Char(' ')).toStdString();
+    }
+    for (qsizetype i = 0; i < firstAfterWrite; ++i)
+        EXPECT_FALSE(lines.at(i).startsWith(QLatin1Char('X'))) << lines.at(i).toStdString();
+    qsizetype marked = firstAfterWrite;
+    while (marked < lines.size() && !lines.at(marked).startsWith(QLatin1Char('X')))
+        ++marked;
+    EXPECT_LE(marked - firstAfterWrite, 1) << lines.join(QLatin1Char(' ')).toStdString();
+    for (qsizetype i = marked; i < lines.size(); ++i)
+        EXPECT_TRUE(lines.at(i).startsWith(QLatin1Char('X'))) << lines.at(i).toStdString();
+}
+
+void ExpectEndsWhenInputCloses(Follower &follower)
+{
+    follower.process().process().closeWriteChannel();
+    ASSERT_TRUE(follower.process().waitForExit(5000));
+    EXPECT_EQ(follower.process().exitCode(), 0);
+}
+
+QJsonObject JsonLine(const QString &line)
+{
+    QJsonParseError error;
+    const QJsonDocument document = QJsonDocument::fromJson(line.toUtf8(), &error);
+    EXPECT_EQ(error.error, QJsonParseError::NoError) << line.toStdString();
+    return document.object();
+}
+
+TEST(TitleFollowWithoutHoralo, RendersEachSecondAndFollowsTheSettings)
+{
+    ASSERT_FALSE(HoraloIsOnBus());
+    TestUser user;
+    DefaultsWrite(user, {QStringLiteral("menuTitleFormatter"), QStringLiteral("-string"), kClock});
+    Follower follower(user, {});
+    ExpectConsecutiveSecondsThatFollowAWrite(follower, user);
+    ExpectEndsWhenInputCloses(follower);
+}
+
+TEST(TitleFollowWithoutHoralo, JsonLinesParse)
+{
+    TestUser user;
+    DefaultsWrite(user, {QStringLiteral("menuTitleFormatter"), QStringLiteral("-string"),
+                         QStringLiteral("<%S> & co")});
+    Follower follower(user, {QStringLiteral("--json")});
+    for (int i = 0; i < 2; ++i) {
+        const QJsonObject line = JsonLine(follower.line());
+        EXPECT_TRUE(line.value(QStringLiteral("text")).toString().startsWith(u"&lt;"))
+            << "markup in a title is text";
+        EXPECT_TRUE(line.value(QStringLiteral("text")).toString().endsWith(u"&gt; &amp; co"));
+        EXPECT_TRUE(line.value(QStringLiteral("tooltip")).toString().startsWith(u"It is now: "));
+        EXPECT_EQ(line.value(QStringLiteral("class")).toString(), QStringLiteral("now"));
+    }
+    ExpectEndsWhenInputCloses(follower);
+}
+
+class TitleFollowWithHoralo : public RunningHoralo
+{
+    void prepare() override
+    {
+        defaultsWrite({QStringLiteral("menuTitleFormatter"), QStringLiteral("-string"), kClock});
+    }
+};
+
+TEST_F(TitleFollowWithHoralo, FollowsTheRunningTitleAndItsSettings)
+{
+    Follower follower(user, {});
+    ExpectConsecutiveSecondsThatFollowAWrite(follower, user);
+    ExpectEndsWhenInputCloses(follower);
+}
+
+TEST_F(TitleFollowWithHoralo, JsonShowsAMomentPickedInTheRunningChooser)
+{
+    Follower follower(user, {QStringLiteral("--json")});
+    QJsonObject line = JsonLine(follower.line());
+    EXPECT_EQ(line.value(QStringLiteral("class")).toString(), QStringLiteral("now"));
+    EXPECT_FALSE(line.value(QStringLiteral("tooltip")).toString().contains(u"Days To"));
+
+    // The chooser opens at the moment it last held; from then on it is the picked moment.
+    ASSERT_EQ(CallHoralo(QStringLiteral("ShowChooser")).type(), QDBusMessage::ReplyMessage);
+    bool picked = false;
+    for (int i = 0; i < 4 && !picked; ++i) {
+        line = JsonLine(follower.line());
+        picked = line.value(QStringLiteral("class")).toString() == QStringLiteral("picked");
+    }
+    ASSERT_TRUE(picked);
+    const QStringList tooltip =
+        line.value(QStringLiteral("tooltip")).toString().split(QLatin1Char('\n'));
+    ASSERT_EQ(tooltip.size(), 2);
+    EXPECT_TRUE(tooltip.at(0).startsWith(u"It is now: "));
+    EXPECT_TRUE(tooltip.at(1).startsWith(u"Days To ")) << tooltip.at(1).toStdString();
+    ExpectEndsWhenInputCloses(follower);
+}
+
+TEST_F(TitleFollowWithHoralo, ContinuesOnItsOwnWhenHoraloQuits)
+{
+    Follower follower(user, {});
+    follower.line();
+    ASSERT_EQ(CallHoralo(QStringLiteral("Quit")).type(), QDBusMessage::ReplyMessage);
+    ASSERT_TRUE(horalo.waitForExit());
+    QStringList lines;
+    for (int i = 0; i < 3; ++i)
+        lines.append(follower.line());
+    for (qsizetype i = 1; i < lines.size(); ++i)
+        EXPECT_EQ(ClockOf(lines.at(i - 1)).addSecs(1), ClockOf(lines.at(i)));
+    ExpectEndsWhenInputCloses(follower);
+}
+
+} // namespace
