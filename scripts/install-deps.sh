@@ -12,6 +12,8 @@ build_pkgs=(
   libwayland-dev libwayland-bin qt6-wayland
   libgtest-dev libgmock-dev libbenchmark-dev
   clang-format
+  # scripts/package.sh: CPack's Debian generator finds library dependencies with these.
+  dpkg-dev file
 )
 # What the tests need to drive a real desktop: a virtual X server, a tray host,
 # a session bus and tools that click, read the clipboard and take screenshots.
@@ -25,6 +27,9 @@ test_pkgs=(
   sway xwayland weston wl-clipboard
   # The stand-in panel side (a StatusNotifierWatcher, dbusmenu clicks) of those sessions.
   python3-dbus python3-gi
+  # The installed files checked as desktops and shells read them, and the package installed
+  # into a fresh Debian root.
+  desktop-file-utils appstream man-db groff-base zsh fish lintian debootstrap
 )
 
 want=("${build_pkgs[@]}")
