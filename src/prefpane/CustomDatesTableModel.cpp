@@ -19,7 +19,37 @@ void CustomDatesTableModel::setTarget(HoraloPrefPane *target)
 void CustomDatesTableModel::reload()
 {
     beginResetModel();
+    // The rows may have moved under the editor; its preview would show on the wrong row.
+    m_editedRow = -1;
+    m_editedFormat.clear();
     endResetModel();
+}
+
+void CustomDatesTableModel::setEditedFormat(int row, const QString &format)
+{
+    if (row < 0 || row >= rowCount())
+        return;
+    const int previous = m_editedRow;
+    m_editedRow = row;
+    m_editedFormat = format;
+    if (previous >= 0 && previous != row)
+        previewChanged(previous);
+    previewChanged(row);
+}
+
+void CustomDatesTableModel::clearEditedFormat()
+{
+    const int previous = m_editedRow;
+    m_editedRow = -1;
+    m_editedFormat.clear();
+    if (previous >= 0 && previous < rowCount())
+        previewChanged(previous);
+}
+
+void CustomDatesTableModel::previewChanged(int row)
+{
+    const QModelIndex cell = index(row, PreviewColumn);
+    Q_EMIT dataChanged(cell, cell, {Qt::DisplayRole});
 }
 
 QString CustomDatesTableModel::columnIdentifier(int column)
@@ -54,6 +84,8 @@ QVariant CustomDatesTableModel::data(const QModelIndex &index, int role) const
         return {};
     if (role == Qt::ToolTipRole && index.column() != CustomDateFormatColumn)
         return {};
+    if (index.column() == PreviewColumn && index.row() == m_editedRow)
+        return m_target->previewOfCustomDateFormat(m_editedFormat);
     return m_target->tableViewObjectValueForTableColumnRow(
         m_table, columnIdentifier(index.column()), index.row());
 }

@@ -29,6 +29,11 @@ public:
     // Every row and cell may have changed.
     void reload();
 
+    // The text being typed into a row's format: that row's preview follows it until the edit
+    // ends, while the stored list changes only when the edit is committed.
+    void setEditedFormat(int row, const QString &format);
+    void clearEditedFormat();
+
     static QString columnIdentifier(int column);
 
     int rowCount(const QModelIndex &parent = {}) const override;
@@ -57,7 +62,11 @@ private:
                     TableViewDropOperation *operation) const;
     bool offersDraggedType(const QMimeData *data) const;
 
+    void previewChanged(int row);
+
     TableView *m_table;
     HoraloPrefPane *m_target = nullptr;
     QStringList m_draggedTypes;
+    int m_editedRow = -1;
+    QString m_editedFormat;
 };

@@ -1,5 +1,6 @@
 #include "prefpane/CustomDatesTableView.h"
 
+#include "prefpane/CustomDateFormatDelegate.h"
 #include "prefpane/CustomDatesTableModel.h"
 #include "prefpane/HoraloPrefPane.h"
 
@@ -24,11 +25,13 @@ CustomDatesTableView::CustomDatesTableView(QWidget *parent)
     setAlternatingRowColors(true);
     setWordWrap(false);
     verticalHeader()->hide();
-    // The format keeps the width the user gives it; the preview takes the rest.
-    horizontalHeader()->setSectionResizeMode(QHeaderView::Interactive);
-    horizontalHeader()->setStretchLastSection(true);
-    horizontalHeader()->setDefaultSectionSize(250);
+    // A format and its preview are about as long as each other: they share the width.
+    horizontalHeader()->setSectionResizeMode(QHeaderView::Stretch);
     horizontalHeader()->setHighlightSections(false);
+    // Arrow keys move between cells; Tab leaves the table for the next control.
+    setTabKeyNavigation(false);
+    setItemDelegateForColumn(CustomDatesTableModel::CustomDateFormatColumn,
+                             new CustomDateFormatDelegate(m_model, this));
 
     connect(selectionModel(), &QItemSelectionModel::selectionChanged, this,
             &CustomDatesTableView::notifySelectionChange);

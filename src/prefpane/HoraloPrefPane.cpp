@@ -246,15 +246,19 @@ QVariant HoraloPrefPane::tableViewObjectValueForTableColumnRow(TableView *,
         return {};
     if (columnIdentifier == kCustomDateFormatColumn)
         return customDates.at(row);
-    if (columnIdentifier == kPreviewColumn) {
-        // Always the present moment with localised names, whatever the chooser holds and
-        // whatever UseSymbolicNames says; recomputed at every draw, never cached.
-        const QVariantMap locale = m_platform.userDefaults.dictionaryRepresentation();
-        return DescriptionWithCalendarFormat(
-            CalendarDateWithTimeIntervalSinceReferenceDate(m_platform.clock.currentAbsoluteTime()),
-            customDates.at(row), &locale);
-    }
+    if (columnIdentifier == kPreviewColumn)
+        return previewOfCustomDateFormat(customDates.at(row));
     return {};
+}
+
+QString HoraloPrefPane::previewOfCustomDateFormat(const QString &format) const
+{
+    // Always the present moment with localised names, whatever the chooser holds and whatever
+    // UseSymbolicNames says; recomputed at every draw, never cached.
+    const QVariantMap locale = m_platform.userDefaults.dictionaryRepresentation();
+    return DescriptionWithCalendarFormat(
+        CalendarDateWithTimeIntervalSinceReferenceDate(m_platform.clock.currentAbsoluteTime()),
+        format, &locale);
 }
 
 void HoraloPrefPane::tableViewSetObjectValueForTableColumnRow(TableView *, const QVariant &value,

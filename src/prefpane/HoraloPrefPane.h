@@ -92,6 +92,8 @@ public:
     // An invalid QVariant for an unknown column or a row outside the list.
     QVariant tableViewObjectValueForTableColumnRow(TableView *tableView,
                                                    const QString &columnIdentifier, int row) const;
+    // What the preview column shows for a format, also for one still being typed.
+    QString previewOfCustomDateFormat(const QString &format) const;
     void tableViewSetObjectValueForTableColumnRow(TableView *tableView, const QVariant &value,
                                                   const QString &columnIdentifier, int row);
     bool tableViewWriteRowsWithIndexesToPasteboard(TableView *tableView, const IndexSet &rows,

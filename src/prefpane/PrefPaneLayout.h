@@ -33,29 +33,32 @@ struct FormatSymbol
     QString title() const { return symbol + QStringLiteral("  ") + description; }
 };
 
-// Every conversion of the calendar-format notation.
-inline const std::array<FormatSymbol, 23> kFormatSymbols = {{
-    {QStringLiteral("%%"), QStringLiteral("a literal percent sign")},
-    {QStringLiteral("%a"), QStringLiteral("abbreviated weekday name")},
-    {QStringLiteral("%A"), QStringLiteral("full weekday name")},
-    {QStringLiteral("%b"), QStringLiteral("abbreviated month name")},
-    {QStringLiteral("%B"), QStringLiteral("full month name")},
-    {QStringLiteral("%c"), QStringLiteral("the locale's date and time")},
-    {QStringLiteral("%d"), QStringLiteral("day of the month (01-31)")},
-    {QStringLiteral("%e"), QStringLiteral("day of the month without leading zero (1-31)")},
-    {QStringLiteral("%F"), QStringLiteral("milliseconds (000-999)")},
-    {QStringLiteral("%H"), QStringLiteral("hour on a 24-hour clock (00-23)")},
-    {QStringLiteral("%I"), QStringLiteral("hour on a 12-hour clock (01-12)")},
-    {QStringLiteral("%j"), QStringLiteral("day of the year (001-366)")},
+// Every conversion the calendar-format renderer knows, and the width digit it accepts after
+// the percent sign, in the order a reader scans them: names, numbers, time, zone, the locale's
+// composites, then the two that are not conversions of their own.
+inline const std::array<FormatSymbol, 24> kFormatSymbols = {{
+    {QStringLiteral("%a"), QStringLiteral("weekday, short (Mon)")},
+    {QStringLiteral("%A"), QStringLiteral("weekday (Monday)")},
+    {QStringLiteral("%b"), QStringLiteral("month, short (Nov)")},
+    {QStringLiteral("%B"), QStringLiteral("month (November)")},
+    {QStringLiteral("%d"), QStringLiteral("day of month (01-31)")},
+    {QStringLiteral("%e"), QStringLiteral("day of month (1-31)")},
+    {QStringLiteral("%j"), QStringLiteral("day of year (001-366)")},
+    {QStringLiteral("%w"), QStringLiteral("weekday number (0-6)")},
     {QStringLiteral("%m"), QStringLiteral("month (01-12)")},
+    {QStringLiteral("%y"), QStringLiteral("year (00-99)")},
+    {QStringLiteral("%Y"), QStringLiteral("year (2006)")},
+    {QStringLiteral("%H"), QStringLiteral("hour, 24h (00-23)")},
+    {QStringLiteral("%I"), QStringLiteral("hour, 12h (01-12)")},
+    {QStringLiteral("%p"), QStringLiteral("AM or PM")},
     {QStringLiteral("%M"), QStringLiteral("minute (00-59)")},
-    {QStringLiteral("%p"), QStringLiteral("AM/PM designation")},
     {QStringLiteral("%S"), QStringLiteral("second (00-59)")},
-    {QStringLiteral("%w"), QStringLiteral("weekday as a number (0-6, Sunday is 0)")},
-    {QStringLiteral("%x"), QStringLiteral("the locale's date")},
-    {QStringLiteral("%X"), QStringLiteral("the locale's time")},
-    {QStringLiteral("%y"), QStringLiteral("year without century (00-99)")},
-    {QStringLiteral("%Y"), QStringLiteral("year with century")},
-    {QStringLiteral("%Z"), QStringLiteral("time zone name")},
-    {QStringLiteral("%z"), QStringLiteral("time zone offset from GMT (+HHMM)")},
+    {QStringLiteral("%F"), QStringLiteral("milliseconds (000-999)")},
+    {QStringLiteral("%z"), QStringLiteral("zone offset (-0500)")},
+    {QStringLiteral("%Z"), QStringLiteral("zone name (EST)")},
+    {QStringLiteral("%c"), QStringLiteral("locale's date and time")},
+    {QStringLiteral("%x"), QStringLiteral("locale's date")},
+    {QStringLiteral("%X"), QStringLiteral("locale's time")},
+    {QStringLiteral("%%"), QStringLiteral("a percent sign")},
+    {QStringLiteral("%1"), QStringLiteral("width digit: %1d is 9")},
 }};

@@ -1,6 +1,7 @@
 #include "prefpane/PreferencesWindow.h"
 
 #include "prefpane/CustomDatesTableView.h"
+#include "prefpane/FormatSymbolList.h"
 #include "prefpane/PrefPaneLayout.h"
 
 #include <QCheckBox>
@@ -19,6 +20,8 @@
 #include <QShortcut>
 #include <QVBoxLayout>
 
+#include <algorithm>
+
 PreferencesWindow::PreferencesWindow(LocalWindowNotificationCenter &windowCenter, QWidget *parent)
     : QWidget(parent, Qt::Window), m_windowCenter(windowCenter),
       m_useSymbolicNamesBox(new QCheckBox(tr("Show format &names instead of dates"), this)),
@@ -32,8 +35,12 @@ PreferencesWindow::PreferencesWindow(LocalWindowNotificationCenter &windowCenter
       m_titleDisplayComboBox(new QComboBox(this)), m_table(new CustomDatesTableView(this)),
       m_addButton(new QPushButton(tr("&Add"), this)),
       m_deleteButton(new QPushButton(tr("De&lete"), this)),
-      m_formatSymbolList(new QListWidget(this)), m_formatCharacterEdit(new QLineEdit(this)),
-      m_versionLabel(new QLabel(this)), m_useSymbolicNames(m_useSymbolicNamesBox),
+      m_formatSymbolList(new FormatSymbolList(this)), m_formatCharacterEdit(new QLineEdit(this)),
+      m_versionLabel(new QLabel(this)),
+      m_autostartBox(new QCheckBox(tr("Start Horalo &when you log in"), this)),
+      m_autostartErrorLabel(new QLabel(this)),
+      m_autostart(AutostartEntry::DefaultConfigHome(), AutostartEntry::DefaultProgram()),
+      m_useSymbolicNames(m_useSymbolicNamesBox),
       m_initDateTimeChooserToCurrentTimeWhenOpened(m_initDateTimeChooserToCurrentTimeWhenOpenedBox),
       m_dynamicDateTimeChooser(m_dynamicDateTimeChooserBox),
       m_includeGMTDateTime(m_includeGMTDateTimeBox),
@@ -71,14 +78,27 @@ PreferencesWindow::PreferencesWindow(LocalWindowNotificationCenter &windowCenter
     chooserLayout->addWidget(m_initDateTimeChooserToCurrentTimeWhenOpenedBox);
     chooserLayout->addWidget(m_dynamicDateTimeChooserBox);
 
+    // --- the session: not a setting of the store but a file the session manager reads ---
+    m_autostartErrorLabel->setWordWrap(true);
+    m_autostartErrorLabel->setForegroundRole(QPalette::BrightText);
+    m_autostartErrorLabel->setBackgroundRole(QPalette::Dark);
+    m_autostartErrorLabel->hide();
+    auto *sessionGroup = new QGroupBox(tr("Session"), this);
+    auto *sessionLayout = new QVBoxLayout(sessionGroup);
+    sessionLayout->addWidget(m_autostartBox);
+    sessionLayout->addWidget(m_autostartErrorLabel);
+
+    m_versionLabel->setTextInteractionFlags(Qt::TextSelectableByMouse);
     auto *settingsColumn = new QVBoxLayout;
     settingsColumn->addWidget(menuGroup);
     settingsColumn->addWidget(titleGroup);
     settingsColumn->addWidget(chooserGroup);
+    settingsColumn->addWidget(sessionGroup);
     settingsColumn->addStretch(1);
+    settingsColumn->addWidget(m_versionLabel);
 
-    // --- the custom formats: table and buttons on the left, symbols on the right ---
-    m_table->setMinimumSize(360, 160);
+    // --- the custom formats: the table and its buttons over the symbols ---
+    m_table->setMinimumSize(240, 90);
     m_table->setToolTip(tr("Double-click a format to edit it; drag rows to reorder them."));
     m_deleteButton->setEnabled(false); // until a row is selected
     m_addButton->setAutoDefault(false);
@@ -87,54 +107,42 @@ PreferencesWindow::PreferencesWindow(LocalWindowNotificationCenter &windowCenter
     buttonRow->addWidget(m_addButton);
     buttonRow->addWidget(m_deleteButton);
     buttonRow->addStretch(1);
-    auto *tableColumn = new QVBoxLayout;
-    tableColumn->addWidget(m_table, 1);
-    tableColumn->addLayout(buttonRow);
 
-    for (const FormatSymbol &symbol : kFormatSymbols) {
-        auto *item = new QListWidgetItem(symbol.title(), m_formatSymbolList);
-        item->setToolTip(tr("Click to copy %1 to the clipboard").arg(symbol.symbol));
-    }
-    // Wide enough to read every description without scrolling sideways.
-    m_formatSymbolList->setMinimumWidth(
-        m_formatSymbolList->sizeHintForColumn(0) + 2 * m_formatSymbolList->frameWidth() +
-        m_formatSymbolList->verticalScrollBar()->sizeHint().width());
-    m_formatSymbolList->setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
+    QStringList symbolTitles;
+    for (const FormatSymbol &symbol : kFormatSymbols)
+        symbolTitles.append(symbol.title());
+    m_formatSymbolList->setTitles(symbolTitles);
+    for (int i = 0; i < m_formatSymbolList->count(); ++i)
+        m_formatSymbolList->item(i)->setToolTip(
+            tr("Click to copy %1 to the clipboard").arg(kFormatSymbols[std::size_t(i)].symbol));
     m_formatCharacterEdit->setReadOnly(true);
     m_formatCharacterEdit->setMaximumWidth(60);
     auto *symbolLabel = new QLabel(tr("&Symbols (click to copy):"), this);
     symbolLabel->setBuddy(m_formatSymbolList);
-    auto *copiedRow = new QHBoxLayout;
-    copiedRow->addWidget(new QLabel(tr("Copied:"), this));
-    copiedRow->addWidget(m_formatCharacterEdit);
-    copiedRow->addStretch(1);
-    auto *symbolColumn = new QVBoxLayout;
-    symbolColumn->addWidget(symbolLabel);
-    symbolColumn->addWidget(m_formatSymbolList, 1);
-    symbolColumn->addLayout(copiedRow);
+    auto *copiedLabel = new QLabel(tr("Copied:"), this);
+    copiedLabel->setBuddy(m_formatCharacterEdit);
+    auto *symbolRow = new QHBoxLayout;
+    symbolRow->addWidget(symbolLabel);
+    symbolRow->addStretch(1);
+    symbolRow->addWidget(copiedLabel);
+    symbolRow->addWidget(m_formatCharacterEdit);
 
     auto *formatsGroup = new QGroupBox(tr("Custom formats"), this);
-    auto *formatsLayout = new QHBoxLayout(formatsGroup);
-    formatsLayout->addLayout(tableColumn, 5);
-    formatsLayout->addLayout(symbolColumn, 2);
+    auto *formatsLayout = new QVBoxLayout(formatsGroup);
+    // The table takes whatever height the symbols leave.
+    formatsLayout->addWidget(m_table, 1);
+    formatsLayout->addLayout(buttonRow);
+    formatsLayout->addLayout(symbolRow);
+    formatsLayout->addWidget(m_formatSymbolList);
 
-    auto *upper = new QHBoxLayout;
-    upper->addLayout(settingsColumn);
-    upper->addWidget(formatsGroup, 1);
+    auto *outer = new QHBoxLayout(this);
+    outer->addLayout(settingsColumn);
+    outer->addWidget(formatsGroup, 1);
 
-    m_versionLabel->setAlignment(Qt::AlignRight | Qt::AlignVCenter);
-    m_versionLabel->setTextInteractionFlags(Qt::TextSelectableByMouse);
-    auto *outer = new QVBoxLayout(this);
-    outer->addLayout(upper, 1);
-    outer->addWidget(m_versionLabel);
-    // Open wide enough that the default format and its preview both show whole, as far as the
-    // screen allows.
-    QSize size(sizeHint().width() + 300, sizeHint().height() + 60);
-    if (const QScreen *current = screen())
-        size = size.boundedTo(current->availableGeometry().size() * 0.92);
-    resize(size);
+    resize(defaultSize());
 
-    // Tab walks the settings from top to bottom, then the formats from left to right.
+    // Tab walks the settings from top to bottom, then the formats from top to bottom; the
+    // table and the symbol list are one stop each (arrow keys move inside them).
     QWidget *const tabOrder[] = {
         m_useSymbolicNamesBox,
         m_includeGMTDateTimeBox,
@@ -144,17 +152,58 @@ PreferencesWindow::PreferencesWindow(LocalWindowNotificationCenter &windowCenter
         m_includeTitleIconBox,
         m_initDateTimeChooserToCurrentTimeWhenOpenedBox,
         m_dynamicDateTimeChooserBox,
+        m_autostartBox,
         m_table,
         m_addButton,
         m_deleteButton,
-        m_formatSymbolList,
         m_formatCharacterEdit,
+        m_formatSymbolList,
     };
     for (std::size_t i = 1; i < std::size(tabOrder); ++i)
         setTabOrder(tabOrder[i - 1], tabOrder[i]);
 
+    connect(m_autostartBox, &QCheckBox::clicked, this, &PreferencesWindow::setAutostart);
+
     auto *closeShortcut = new QShortcut(QKeySequence::Close, this);
     connect(closeShortcut, &QShortcut::activated, this, &PreferencesWindow::close);
+}
+
+QSize PreferencesWindow::defaultSize() const
+{
+    // Wide enough for the default format and a preview of it side by side; the layout's own
+    // height then shows every symbol. Both as far as the screen allows, with room to spare.
+    const QFontMetrics metrics = m_table->fontMetrics();
+    const int cellPadding = 4 * metrics.averageCharWidth();
+    const int tableWidth =
+        metrics.horizontalAdvance(kDefaultCustomDateFormat) +
+        metrics.horizontalAdvance(QStringLiteral("Wed 28 Sep, 2006 12:59:59 PM (-0500)")) +
+        2 * cellPadding + m_table->verticalScrollBar()->sizeHint().width() +
+        2 * m_table->frameWidth();
+    const QSize hint = sizeHint();
+    QSize size(hint.width() + std::max(0, tableWidth - m_table->sizeHint().width()), hint.height());
+    if (const QScreen *current = screen())
+        size = size.boundedTo(current->availableGeometry().size() * 0.9);
+    return size.expandedTo(minimumSizeHint());
+}
+
+void PreferencesWindow::setAutostart(bool enabled)
+{
+    QString error;
+    if (m_autostart.setEnabled(enabled, &error)) {
+        m_autostartErrorLabel->hide();
+    } else {
+        m_autostartErrorLabel->setText(error);
+        m_autostartErrorLabel->show();
+    }
+    // Whatever happened, the box shows what the session manager will do.
+    m_autostartBox->setChecked(m_autostart.isEnabled());
+}
+
+void PreferencesWindow::showEvent(QShowEvent *event)
+{
+    // The entry can be changed outside Horalo (by hand, or by the desktop's start-up dialog).
+    m_autostartBox->setChecked(m_autostart.isEnabled());
+    QWidget::showEvent(event);
 }
 
 PreferencesWindow::~PreferencesWindow() = default;

@@ -5,6 +5,7 @@
 
 #include "platform/NotificationCenter.h"
 #include "platform/Window.h"
+#include "prefpane/AutostartEntry.h"
 #include "prefpane/HoraloPrefPane.h"
 #include "prefpane/QtPrefPaneControls.h"
 
@@ -15,7 +16,7 @@ class QCheckBox;
 class QComboBox;
 class QLabel;
 class QLineEdit;
-class QListWidget;
+class FormatSymbolList;
 class QListWidgetItem;
 class QPushButton;
 
@@ -56,16 +57,23 @@ public:
     CustomDatesTableView *customDatesTableView() const { return m_table; }
     QPushButton *addButton() const { return m_addButton; }
     QPushButton *deleteButton() const { return m_deleteButton; }
-    QListWidget *formatSymbolList() const { return m_formatSymbolList; }
+    FormatSymbolList *formatSymbolList() const { return m_formatSymbolList; }
     QLineEdit *formatCharacterEdit() const { return m_formatCharacterEdit; }
     QLabel *versionLabel() const { return m_versionLabel; }
+    QCheckBox *autostartBox() const { return m_autostartBox; }
+    QLabel *autostartErrorLabel() const { return m_autostartErrorLabel; }
+    // The size the window opens at: the default format and its preview whole, every symbol
+    // shown, within the screen.
+    QSize defaultSize() const;
 
 protected:
     void closeEvent(QCloseEvent *event) override;
     void keyPressEvent(QKeyEvent *event) override;
+    void showEvent(QShowEvent *event) override;
 
 private:
     void chooseFormatSymbol(QListWidgetItem *item);
+    void setAutostart(bool enabled);
 
     LocalWindowNotificationCenter &m_windowCenter;
     HoraloPrefPane *m_controller = nullptr;
@@ -82,9 +90,12 @@ private:
     CustomDatesTableView *m_table;
     QPushButton *m_addButton;
     QPushButton *m_deleteButton;
-    QListWidget *m_formatSymbolList;
+    FormatSymbolList *m_formatSymbolList;
     QLineEdit *m_formatCharacterEdit;
     QLabel *m_versionLabel;
+    QCheckBox *m_autostartBox;
+    QLabel *m_autostartErrorLabel;
+    AutostartEntry m_autostart;
 
     QtCheckBox m_useSymbolicNames;
     QtCheckBox m_initDateTimeChooserToCurrentTimeWhenOpened;

@@ -5,8 +5,10 @@
 #include "datetext/DateText.h"
 #include "datetext/DateTextTestSupport.h"
 #include "platform/memory/InMemoryPlatform.h"
+#include "prefpane/AutostartEntry.h"
 #include "prefpane/CustomDatesTableModel.h"
 #include "prefpane/CustomDatesTableView.h"
+#include "prefpane/FormatSymbolList.h"
 #include "prefpane/PrefPaneLayout.h"
 #include "prefpane/PreferencesUi.h"
 #include "support/QtPrinters.h"
@@ -14,16 +16,22 @@
 #include <QApplication>
 #include <QCheckBox>
 #include <QComboBox>
+#include <QDir>
+#include <QFile>
+#include <QHeaderView>
 #include <QItemSelectionModel>
 #include <QLabel>
 #include <QLineEdit>
 #include <QListWidget>
 #include <QMimeData>
 #include <QPushButton>
+#include <QScreen>
+#include <QScrollBar>
 #include <QTest>
 
 #include <gtest/gtest.h>
 
+#include <cmath>
 #include <memory>
 
 namespace {
@@ -34,7 +42,15 @@ constexpr AbsoluteTime kFixedInstant = 163711907.0; // 2006-03-10 14:31:47 in Ne
 class QtApplicationEnvironment final : public ::testing::Environment
 {
 public:
-    void SetUp() override { m_application = std::make_unique<QApplication>(m_argc, m_argv); }
+    void SetUp() override
+    {
+        // The autostart check box reads and writes under the configuration directory: a
+        // private one, never the developer's own.
+        qputenv("XDG_CONFIG_HOME",
+                QFile::encodeName(qEnvironmentVariable("HORALO_TEST_TMP", QDir::tempPath()) +
+                                  QStringLiteral("/config")));
+        m_application = std::make_unique<QApplication>(m_argc, m_argv);
+    }
     void TearDown() override { m_application.reset(); }
 
 private:
@@ -301,6 +317,236 @@ TEST_F(PreferencesWindowTest, ClosingPostsWindowWillCloseAndSaves)
     EXPECT_EQ(heard, 2);
     EXPECT_FALSE(window().isVisible());
     EXPECT_EQ(memory.distributedCenter.postCount(), 2);
+}
+
+// --- fitting small screens ---
+
+TEST_F(PreferencesWindowTest, FitsASmallScreenAndShowsEverythingAtItsDefaultSize)
+{
+    awake({kDefaultCustomDateFormat});
+    // Whatever the screen, the window can be made this small with every control on it.
+    const QSize minimum = window().minimumSizeHint().expandedTo(window().minimumSize());
+    EXPECT_LE(minimum.width(), 760);
+    EXPECT_LE(minimum.height(), 480);
+
+    const QSize screen = window().screen()->availableGeometry().size();
+    const QSize opened = window().defaultSize();
+    EXPECT_LE(opened.width(), screen.width());
+    EXPECT_LE(opened.height(), screen.height());
+
+    window().resize(opened);
+    window().makeKeyAndOrderFront();
+    QCoreApplication::processEvents();
+    // The Format and Preview columns share the width, and the default format's preview has
+    // room for all of its text.
+    const QString preview = model().data(model().index(0, 1)).toString();
+    const int needed =
+        view().fontMetrics().horizontalAdvance(preview) +
+        2 * view().style()->pixelMetric(QStyle::PM_FocusFrameHMargin, nullptr, &view()) + 2;
+    EXPECT_LE(std::abs(view().horizontalHeader()->sectionSize(0) -
+                       view().horizontalHeader()->sectionSize(1)),
+              1);
+    EXPECT_GE(view().columnWidth(1), needed) << preview.toStdString();
+    // Every symbol shows without scrolling the list.
+    EXPECT_EQ(window().formatSymbolList()->verticalScrollBar()->maximum(), 0);
+    // Room to spare: the window's frame fits on the screen with a margin.
+    EXPECT_LE(window().frameGeometry().width(), screen.width() * 95 / 100);
+    EXPECT_LE(window().frameGeometry().height(), screen.height() * 95 / 100);
+    window().close();
+}
+
+TEST_F(PreferencesWindowTest, SymbolListHoldsEveryConversionTheRendererKnows)
+{
+    QStringList listed;
+    for (int i = 0; i < window().formatSymbolList()->count(); ++i)
+        listed.append(window().formatSymbolList()->item(i)->text().left(2));
+    // A conversion is what the renderer does not copy as it stands.
+    const CalendarDate date = CalendarDateWithTimeIntervalSinceReferenceDate(kFixedInstant);
+    for (char16_t c = 0x21; c < 0x7f; ++c) {
+        const QString symbol = QStringLiteral("%") + QChar(c);
+        if (c >= u'0' && c <= u'9')
+            continue; // width digits, below
+        const QString rendered = DescriptionWithCalendarFormat(date, symbol, nullptr);
+        EXPECT_EQ(rendered != symbol, listed.contains(symbol)) << symbol.toStdString();
+    }
+    // The width digit: listed, and doing what its description says.
+    const auto width =
+        std::find_if(kFormatSymbols.begin(), kFormatSymbols.end(),
+                     [](const FormatSymbol &s) { return s.symbol == QStringLiteral("%1"); });
+    ASSERT_NE(width, kFormatSymbols.end());
+    EXPECT_TRUE(width->description.contains(QStringLiteral("%1d is 9")));
+    EXPECT_EQ(DescriptionWithCalendarFormat(
+                  CalendarDateWithTimeIntervalSinceReferenceDate(kFixedInstant - 86400), // the 9th
+                  QStringLiteral("%1d|%d"), nullptr),
+              QStringLiteral("9|09"));
+}
+
+// --- the keyboard ---
+
+TEST_F(PreferencesWindowTest, TabWalksEveryControlInReadingOrderAndLeavesTheTableInOneStep)
+{
+    awake({QStringLiteral("A"), QStringLiteral("B")});
+    view().selectRow(0); // so that Delete is enabled and takes part
+    window().makeKeyAndOrderFront();
+    QApplication::setActiveWindow(&window());
+    const QList<QWidget *> expected = {
+        window().useSymbolicNamesBox(),
+        window().includeGMTDateTimeBox(),
+        window().includeDateOnlyItemsBox(),
+        window().includeTimeOnlyItemsBox(),
+        window().titleDisplayComboBox(),
+        window().includeTitleIconBox(),
+        window().initDateTimeChooserToCurrentTimeWhenOpenedBox(),
+        window().dynamicDateTimeChooserBox(),
+        window().autostartBox(),
+        &view(),
+        window().addButton(),
+        window().deleteButton(),
+        window().formatCharacterEdit(),
+        window().formatSymbolList(),
+    };
+    expected.first()->setFocus(Qt::TabFocusReason);
+    ASSERT_EQ(QApplication::focusWidget(), expected.first());
+    for (qsizetype i = 1; i < expected.size(); ++i) {
+        QTest::keyClick(QApplication::focusWidget(), Qt::Key_Tab);
+        EXPECT_EQ(QApplication::focusWidget(), expected.at(i)) << "stop " << i;
+    }
+    // Around the end and back again.
+    QTest::keyClick(QApplication::focusWidget(), Qt::Key_Tab);
+    EXPECT_EQ(QApplication::focusWidget(), expected.first());
+    QTest::keyClick(QApplication::focusWidget(), Qt::Key_Tab, Qt::ShiftModifier);
+    EXPECT_EQ(QApplication::focusWidget(), expected.last());
+    for (qsizetype i = expected.size() - 2; i >= 0; --i) {
+        QTest::keyClick(QApplication::focusWidget(), Qt::Key_Tab, Qt::ShiftModifier);
+        EXPECT_EQ(QApplication::focusWidget(), expected.at(i)) << "stop " << i;
+    }
+
+    // Inside the table the arrow keys move from row to row.
+    view().setFocus(Qt::TabFocusReason);
+    view().setCurrentIndex(model().index(0, 0));
+    QTest::keyClick(&view(), Qt::Key_Down);
+    EXPECT_EQ(view().currentIndex().row(), 1);
+    EXPECT_EQ(QApplication::focusWidget(), &view());
+    window().close();
+}
+
+TEST_F(PreferencesWindowTest, PreviewFollowsEachKeystrokeAndTheListChangesOnlyOnCommit)
+{
+    awake({QStringLiteral("%Y"), QStringLiteral("%m")});
+    window().makeKeyAndOrderFront();
+    QApplication::setActiveWindow(&window());
+    const QModelIndex cell = model().index(1, 0);
+    const QModelIndex preview = model().index(1, 1);
+    QList<QString> seen;
+    QObject::connect(&model(), &QAbstractItemModel::dataChanged, &model(),
+                     [&](const QModelIndex &from, const QModelIndex &to) {
+                         if (from.row() <= 1 && to.row() >= 1 && to.column() >= 1)
+                             seen.append(model().data(preview).toString());
+                     });
+
+    view().setCurrentIndex(cell);
+    view().edit(cell);
+    auto *editor = view().viewport()->findChild<QLineEdit *>();
+    ASSERT_NE(editor, nullptr);
+    editor->selectAll();
+    QTest::keyClicks(editor, QStringLiteral("%H:"));
+    EXPECT_EQ(seen,
+              (QList<QString>{QStringLiteral("%"), QStringLiteral("14"), QStringLiteral("14:")}));
+    EXPECT_EQ(model().data(preview).toString(), QStringLiteral("14:"));
+    // Typing stores nothing; the other row's preview is its own.
+    EXPECT_EQ(storedFormats(), (QStringList{QStringLiteral("%Y"), QStringLiteral("%m")}));
+    EXPECT_EQ(model().data(model().index(0, 1)).toString(), QStringLiteral("2006"));
+
+    // Escape abandons the edit: the preview goes back to the stored format.
+    QTest::keyClick(editor, Qt::Key_Escape);
+    QCoreApplication::processEvents();
+    EXPECT_EQ(model().data(preview).toString(), QStringLiteral("03"));
+    EXPECT_EQ(storedFormats(), (QStringList{QStringLiteral("%Y"), QStringLiteral("%m")}));
+    QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
+
+    // Tab commits and leaves the table for the control after it.
+    view().edit(cell);
+    editor = view().viewport()->findChild<QLineEdit *>();
+    ASSERT_NE(editor, nullptr);
+    editor->selectAll();
+    QTest::keyClicks(editor, QStringLiteral("%M"));
+    QTest::keyClick(editor, Qt::Key_Tab);
+    QCoreApplication::processEvents();
+    EXPECT_EQ(storedFormats(), (QStringList{QStringLiteral("%Y"), QStringLiteral("%M")}));
+    EXPECT_EQ(model().data(preview).toString(), QStringLiteral("31"));
+    EXPECT_EQ(QApplication::focusWidget(), window().addButton());
+    QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
+    EXPECT_EQ(view().viewport()->findChild<QLineEdit *>(), nullptr); // the editor is closed
+    window().close();
+}
+
+// --- starting with the session ---
+
+class AutostartBoxTest : public PreferencesWindowTest
+{
+protected:
+    AutostartBoxTest() { QDir(autostartDir()).removeRecursively(); }
+    ~AutostartBoxTest() override { QDir(autostartDir()).removeRecursively(); }
+    static QString autostartDir()
+    {
+        return AutostartEntry::DefaultConfigHome() + QStringLiteral("/autostart");
+    }
+    static QString entryPath()
+    {
+        return autostartDir() + QStringLiteral("/org.horalo.Horalo.desktop");
+    }
+};
+
+TEST_F(AutostartBoxTest, TheBoxWritesAndRemovesTheEntryAndTouchesNoSetting)
+{
+    awake();
+    window().makeKeyAndOrderFront();
+    QCheckBox *box = window().autostartBox();
+    EXPECT_EQ(box->text().remove(u'&'), QStringLiteral("Start Horalo when you log in"));
+    EXPECT_FALSE(box->isChecked());
+
+    box->click();
+    EXPECT_TRUE(box->isChecked());
+    QFile entry(entryPath());
+    ASSERT_TRUE(entry.open(QIODevice::ReadOnly));
+    const QByteArray text = entry.readAll();
+    EXPECT_TRUE(text.contains("X-GNOME-Autostart-enabled=true\n"));
+    EXPECT_TRUE(text.contains("X-KDE-autostart-after=panel\n"));
+    EXPECT_FALSE(window().autostartErrorLabel()->isVisible());
+
+    box->click();
+    EXPECT_FALSE(box->isChecked());
+    EXPECT_FALSE(QFile::exists(entryPath()));
+    // Not a setting: the store saw nothing and nobody was told.
+    EXPECT_TRUE(memory.ownStore.log.isEmpty());
+    EXPECT_EQ(memory.distributedCenter.postCount(), 0);
+    window().close();
+}
+
+TEST_F(AutostartBoxTest, TheBoxFollowsTheFileEachTimeTheWindowOpensAndShowsFailures)
+{
+    awake();
+    QDir().mkpath(autostartDir());
+    {
+        QFile entry(entryPath());
+        ASSERT_TRUE(entry.open(QIODevice::WriteOnly));
+        entry.write("[Desktop Entry]\nType=Application\nExec=horalo\n");
+    }
+    window().makeKeyAndOrderFront();
+    EXPECT_TRUE(window().autostartBox()->isChecked());
+    window().close();
+
+    // Now a folder stands where the entry goes: it cannot be written, the box stays off and
+    // the window says why.
+    ASSERT_TRUE(QFile::remove(entryPath()));
+    ASSERT_TRUE(QDir().mkpath(entryPath() + QStringLiteral("/inside")));
+    window().makeKeyAndOrderFront();
+    EXPECT_FALSE(window().autostartBox()->isChecked());
+    window().autostartBox()->click();
+    EXPECT_FALSE(window().autostartBox()->isChecked());
+    EXPECT_TRUE(window().autostartErrorLabel()->isVisible());
+    EXPECT_TRUE(window().autostartErrorLabel()->text().contains(entryPath()));
+    window().close();
 }
 
 } // namespace
