@@ -54,7 +54,8 @@ in_root dpkg -L horalo >"$work/files"
 for f in /usr/bin/horalo /usr/share/applications/org.horalo.Horalo.desktop \
   /usr/share/metainfo/org.horalo.Horalo.metainfo.xml /usr/share/man/man1/horalo.1.gz \
   /usr/share/bash-completion/completions/horalo /usr/share/zsh/vendor-completions/_horalo \
-  /usr/share/fish/vendor_completions.d/horalo.fish /usr/share/icons/hicolor/scalable/apps/horalo.svg; do
+  /usr/share/fish/vendor_completions.d/horalo.fish /usr/share/icons/hicolor/scalable/apps/horalo.svg \
+  /usr/share/dbus-1/interfaces/org.horalo.Horalo.xml /usr/share/doc/horalo/copyright; do
   grep -qx "$f" "$work/files" || fail "the package lacks $f"
 done
 year=$(in_root env TZ=UTC horalo render --now @0 --format %Y) || fail "horalo render"
@@ -93,7 +94,9 @@ if [[ -n $display ]]; then
     wait "$desktop_pid" 2>/dev/null || true
     fail "the desktop program exited: $(cat "$work/desktop.log")"
   fi
-  grep -Ei "could not (load|find)|cannot load|plugin" "$work/desktop.log" && fail "plugin trouble"
+  grep -Ei "could not (load|find)|cannot load" "$work/desktop.log" && fail "plugin trouble"
+  # Started through to its status item: with no tray or panel on this X server, it says so.
+  grep -q "no status area" "$work/desktop.log" || fail "no word about the status area: $(cat "$work/desktop.log")"
 fi
 
 ((failures == 0)) || { echo "$failures failure(s)" >&2; exit 1; }

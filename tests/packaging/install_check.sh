@@ -17,7 +17,7 @@ for f in bin/horalo share/applications/org.horalo.Horalo.desktop \
   share/metainfo/org.horalo.Horalo.metainfo.xml share/icons/hicolor/scalable/apps/horalo.svg \
   share/icons/hicolor/48x48/apps/horalo.png share/man/man1/horalo.1.gz \
   share/bash-completion/completions/horalo \
-  share/fish/vendor_completions.d/horalo.fish; do
+  share/fish/vendor_completions.d/horalo.fish share/dbus-1/interfaces/org.horalo.Horalo.xml; do
   [[ -e $prefix/$f ]] || fail "not installed: $f"
 done
 zsh_file=$(compgen -G "$prefix/share/zsh/*/_horalo" | head -1) || fail "not installed: the zsh completion"
