@@ -48,13 +48,30 @@ QString AutostartEntry::DefaultConfigHome()
 
 QString AutostartEntry::DefaultProgram()
 {
-    const QString running = QCoreApplication::applicationFilePath();
-    const QString name = QFileInfo(running).fileName();
+    return LaunchCommand(QCoreApplication::applicationFilePath());
+}
+
+QString AutostartEntry::LaunchCommand(const QString &runningExecutable)
+{
+    QString program = runningExecutable;
+    const QFileInfo running(runningExecutable);
+    if (running.fileName() == QLatin1String("horalo-desktop")) {
+        const QString dir = running.absolutePath();
+        for (const QString &candidate :
+             {dir + QLatin1String("/horalo"), dir + QLatin1String("/../../bin/horalo")}) {
+            const QFileInfo launcher(candidate);
+            if (launcher.isFile() && launcher.isExecutable()) {
+                program = QDir::cleanPath(launcher.absoluteFilePath());
+                break;
+            }
+        }
+    }
+    const QString name = QFileInfo(program).fileName();
     const QString found = QStandardPaths::findExecutable(name);
     if (!found.isEmpty() &&
-        QFileInfo(found).canonicalFilePath() == QFileInfo(running).canonicalFilePath())
+        QFileInfo(found).canonicalFilePath() == QFileInfo(program).canonicalFilePath())
         return name;
-    return running;
+    return program;
 }
 
 QString AutostartEntry::ExecArgument(const QString &program)

@@ -16,9 +16,13 @@ public:
 
     // $XDG_CONFIG_HOME, or ~/.config when it is unset or not absolute.
     static QString DefaultConfigHome();
-    // The command that starts this program: its bare name when PATH finds this very
-    // executable under it (so a package upgrade or a move keeps working), else its full path.
+    // The command that starts this program (LaunchCommand of the running executable).
     static QString DefaultProgram();
+    // The command that starts Horalo, given the running executable. The desktop program
+    // (horalo-desktop, beside horalo in a build tree, in libexec/horalo once installed) is
+    // started through horalo, which keeps to one instance per session. The bare name when PATH
+    // finds that very executable under it, so a package upgrade keeps working; else its path.
+    static QString LaunchCommand(const QString &runningExecutable);
     // A program as one Exec= argument of a desktop entry, quoted and escaped when it must be.
     static QString ExecArgument(const QString &program);
 

@@ -129,4 +129,40 @@ TEST_F(AutostartEntryTest, FailuresSayWhyAndLeaveWhatWasThere)
     EXPECT_TRUE(QFileInfo(entryPath()).isDir());
 }
 
+TEST_F(AutostartEntryTest, TheEntryStartsHoraloNotTheDesktopProgramBehindIt)
+{
+    const auto makeExecutable = [](const QString &path) {
+        QDir().mkpath(QFileInfo(path).path());
+        QFile file(path);
+        ASSERT_TRUE(file.open(QIODevice::WriteOnly));
+        file.setPermissions(file.permissions() | QFile::ExeOwner);
+    };
+    // Installed: bin/horalo and libexec/horalo/horalo-desktop.
+    const QString installed = m_dir.path() + QStringLiteral("/usr");
+    makeExecutable(installed + QStringLiteral("/bin/horalo"));
+    makeExecutable(installed + QStringLiteral("/libexec/horalo/horalo-desktop"));
+    EXPECT_EQ(
+        AutostartEntry::LaunchCommand(installed + QStringLiteral("/libexec/horalo/horalo-desktop")),
+        installed + QStringLiteral("/bin/horalo"));
+    // A build tree: the two side by side.
+    const QString built = m_dir.path() + QStringLiteral("/build");
+    makeExecutable(built + QStringLiteral("/horalo"));
+    makeExecutable(built + QStringLiteral("/horalo-desktop"));
+    EXPECT_EQ(AutostartEntry::LaunchCommand(built + QStringLiteral("/horalo-desktop")),
+              built + QStringLiteral("/horalo"));
+    // Without horalo beside it, the desktop program itself.
+    const QString alone = m_dir.path() + QStringLiteral("/alone/horalo-desktop");
+    makeExecutable(alone);
+    EXPECT_EQ(AutostartEntry::LaunchCommand(alone), alone);
+    // Found on PATH as that very file: the bare name.
+    const QByteArray path = qgetenv("PATH");
+    qputenv("PATH", QFile::encodeName(installed + QStringLiteral("/bin")));
+    EXPECT_EQ(
+        AutostartEntry::LaunchCommand(installed + QStringLiteral("/libexec/horalo/horalo-desktop")),
+        QStringLiteral("horalo"));
+    EXPECT_EQ(AutostartEntry::LaunchCommand(built + QStringLiteral("/horalo")),
+              built + QStringLiteral("/horalo"));
+    qputenv("PATH", path);
+}
+
 } // namespace
