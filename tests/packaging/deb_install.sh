@@ -86,7 +86,12 @@ if [[ -n $display ]]; then
   in_root env DISPLAY=":$display" XDG_RUNTIME_DIR=/run/user/0 DBUS_SESSION_BUS_ADDRESS=disabled: \
     QT_DEBUG_PLUGINS=0 horalo >"$work/desktop.log" 2>&1 &
   desktop_pid=$!
-  sleep 3
+  # It says it has no status area only after a grace period in which a panel may still appear.
+  for _ in $(seq 1 100); do
+    grep -q "no status area" "$work/desktop.log" && break
+    kill -0 "$desktop_pid" 2>/dev/null || break
+    sleep 0.1
+  done
   if kill -0 "$desktop_pid" 2>/dev/null; then
     echo "the desktop program runs on :$display"
     kill "$desktop_pid"; wait "$desktop_pid" 2>/dev/null || true
