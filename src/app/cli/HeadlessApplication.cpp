@@ -5,7 +5,8 @@
 HeadlessApplication::HeadlessApplication(const TimeOptions &options)
     : m_platform(options.now.value_or(SystemClock().currentAbsoluteTime()), &m_store)
 {
-    m_platform.userDefaults.setRegistrationProvider(LocaleDefaultsRegistration, LocaleDefaultsKeys());
+    m_platform.userDefaults.setRegistrationProvider(LocaleDefaultsRegistration,
+                                                    LocaleDefaultsKeys());
     m_controller.awakeFromNib();
     m_controller.applicationWillFinishLaunching();
     // As if the moment had been picked in the chooser; the reference instant itself means
