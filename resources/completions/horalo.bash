@@ -34,7 +34,7 @@ _horalo()
     COMPREPLY=()
 
     if ((COMP_CWORD == 1)); then
-        mapfile -t COMPREPLY < <(compgen -W "defaults render since menu title copy" -- "$cur")
+        mapfile -t COMPREPLY < <(compgen -W "defaults render since menu title copy show-menu --help -h --version" -- "$cur")
         return
     fi
 
@@ -55,10 +55,12 @@ _horalo()
     case $command in
         render | copy | since | menu | title)
             if [[ $cur == -* ]]; then
-                local options="--now --at"
+                local options="--now --at --help"
                 case $command in
-                    render | copy) options+=" --format" ;;
+                    render) options+=" --format" ;;
+                    copy) options+=" --format --clipboard" ;;
                     since) options+=" --depth --unit" ;;
+                    title) options+=" --follow --json" ;;
                 esac
                 mapfile -t COMPREPLY < <(compgen -W "$options" -- "$cur")
             elif [[ $command == render ]]; then
@@ -67,9 +69,12 @@ _horalo()
                 _horalo_offer "$cur" "${_horalo_menu_names[@]}"
             fi
             ;;
+        show-menu)
+            mapfile -t COMPREPLY < <(compgen -W "--help" -- "$cur")
+            ;;
         defaults)
             case $COMP_CWORD in
-                2) mapfile -t COMPREPLY < <(compgen -W "read write delete" -- "$cur") ;;
+                2) mapfile -t COMPREPLY < <(compgen -W "read write delete --help" -- "$cur") ;;
                 3) _horalo_offer "$cur" "${_horalo_keys[@]}" ;;
                 4)
                     if [[ ${COMP_WORDS[2]} == write ]]; then

@@ -1,6 +1,6 @@
 # fish completion for horalo
 
-set -l commands defaults render since menu title copy
+set -l commands defaults render since menu title copy show-menu
 function __horalo_menu_names
     printf '%s\n' 'Short Date-Time' 'Medium Date-Time' 'Long Date-Time' 'Full Date-Time' \
         'Short Date' 'Medium Date' 'Long Date' 'Full Date' \
@@ -24,10 +24,16 @@ complete -c horalo -n "not __fish_seen_subcommand_from $commands" -a since -d 'P
 complete -c horalo -n "not __fish_seen_subcommand_from $commands" -a menu -d 'Print the menu as it would open now'
 complete -c horalo -n "not __fish_seen_subcommand_from $commands" -a title -d 'Print what the title shows now'
 complete -c horalo -n "not __fish_seen_subcommand_from $commands" -a copy -d 'Print the text a menu entry copies'
+complete -c horalo -n "not __fish_seen_subcommand_from $commands" -a show-menu -d "Open the running Horalo's menu"
+complete -c horalo -n "not __fish_seen_subcommand_from $commands" -l version -d 'Print the version'
+complete -c horalo -s h -l help -d 'Show help'
 
 complete -c horalo -n "__fish_seen_subcommand_from render copy since menu title" -l now -r -d 'Fix the clock at TIME'
 complete -c horalo -n "__fish_seen_subcommand_from render copy since menu title" -l at -r -d 'As if TIME were picked in the chooser'
 complete -c horalo -n "__fish_seen_subcommand_from render copy" -l format -r -d 'A custom format'
+complete -c horalo -n "__fish_seen_subcommand_from copy" -l clipboard -d 'Have the running Horalo copy it'
+complete -c horalo -n "__fish_seen_subcommand_from title" -l follow -d 'Keep printing the title as it changes'
+complete -c horalo -n "__fish_seen_subcommand_from title" -l json -d 'Print JSON lines for Waybar'
 complete -c horalo -n "__fish_seen_subcommand_from since" -l depth -r -d 'Number of units in the phrase'
 complete -c horalo -n "__fish_seen_subcommand_from since" -l unit -x -a '1\tseconds 2\tminutes 3\thours 4\tdays 5\tweeks 6\tmonths 7\tyears' -d 'The one unit of the phrase'
 complete -c horalo -n "__fish_seen_subcommand_from render" -a '(__horalo_menu_names; __horalo_title_names)'

@@ -47,13 +47,25 @@ grep -q "^NAME" "$work/man.txt" && grep -q "^EXIT STATUS" "$work/man.txt" || fai
 mapfile -t keys < <(sed -n '/^namespace SettingsKey {/,/^}/p' "$source_dir/src/app/settings/Settings.h" |
   grep -o 'QStringLiteral("[^"]*")' | cut -d'"' -f2 | sort)
 ((${#keys[@]} >= 11)) || fail "only ${#keys[@]} keys found in Settings.h"
-# Every command the program dispatches and every settings key is described.
-for word in defaults render since menu title copy --now --at --format --depth --unit "${keys[@]}"; do
-  grep -qF -- "$word" "$work/man.txt" || fail "the manual page does not mention $word"
-done
 
 # --- what the program itself says its names are ---
 horalo=$prefix/bin/horalo
+# The commands, as `horalo --help` lists them, and each command's long options, as its own
+# `--help` lists them: the manual page and every completion must know all of them.
+mapfile -t commands < <("$horalo" --help | sed -n '/^Commands:/,/^$/p' | awk 'NF { print $1 }' |
+  grep -v '^Commands:' | sort)
+((${#commands[@]} >= 7)) || fail "only ${#commands[@]} commands in 'horalo --help'"
+declare -A options
+for command in "${commands[@]}"; do
+  options[$command]=$("$horalo" "$command" --help | sed -n '/^Options:/,/^$/p' |
+    { grep -o -- '--[a-z][a-z-]*' || true; } | sort -u | tr '\n' ' ')
+done
+[[ ${options[title]} == *--follow* ]] || fail "title --help lists no --follow: ${options[title]}"
+# Every command, option and settings key is described.
+mapfile -t all_options < <(printf '%s\n' ${options[*]} | sort -u)
+for word in "${commands[@]}" "${all_options[@]}" --version "${keys[@]}"; do
+  grep -qF -- "$word" "$work/man.txt" || fail "the manual page does not mention $word"
+done
 export XDG_CONFIG_HOME=$work/config DBUS_SESSION_BUS_ADDRESS=disabled: QT_QPA_PLATFORM=offscreen
 "$horalo" defaults write UseSymbolicNames -bool yes >/dev/null
 "$horalo" defaults write IncludeDateOnlyItems -bool yes >/dev/null
@@ -71,8 +83,13 @@ bash_offers() { # words...: what completing the last word offers, one a line
   bash -c 'source "$1"; shift; COMP_WORDS=("$@"); COMP_CWORD=$(($# - 1)); _horalo
            printf "%s\n" "${COMPREPLY[@]}"' _ "$prefix/share/bash-completion/completions/horalo" "$@"
 }
-[[ "$(bash_offers horalo "" | sort | tr '\n' ' ')" == "copy defaults menu render since title " ]] ||
-  fail "bash: commands: $(bash_offers horalo "" | tr '\n' ' ')"
+[[ "$(bash_offers horalo "" | grep -v '^-' | sort | tr '\n' ' ')" == "${commands[*]} " ]] ||
+  fail "bash: commands: $(bash_offers horalo "" | tr '\n' ' '), the program has ${commands[*]}"
+for command in "${commands[@]}"; do
+  for option in ${options[$command]}; do
+    grep -qx -- "$option" < <(bash_offers horalo "$command" --) || fail "bash: $command lacks $option"
+  done
+done
 mapfile -t offered_copy < <(bash_offers horalo copy "" | sort -u)
 [[ "${offered_copy[*]}" == "${menu_names[*]}" ]] ||
   fail "bash: copy offers [${offered_copy[*]}], the menu has [${menu_names[*]}]"
@@ -94,7 +111,12 @@ if command -v fish >/dev/null; then
   [[ "${fish_copy[*]}" == "${menu_names[*]}" ]] || fail "fish: copy offers [${fish_copy[*]}]"
   mapfile -t fish_keys < <(fish_offers "horalo defaults delete " | sort)
   [[ "${fish_keys[*]}" == "${keys[*]}" ]] || fail "fish offers the keys [${fish_keys[*]}]"
-  fish_offers "horalo since --" | grep -qx -- "--unit" || fail "fish: since's options"
+  for command in "${commands[@]}"; do
+    fish_offers "horalo " | grep -qx -- "$command" || fail "fish: no command $command"
+    for option in ${options[$command]}; do
+      fish_offers "horalo $command --" | grep -qx -- "$option" || fail "fish: $command lacks $option"
+    done
+  done
 else
   fail "fish is not installed (scripts/install-deps.sh --with-test-tools installs it)"
 fi
@@ -106,6 +128,9 @@ if command -v zsh >/dev/null; then
   # menu name and key the program has.
   for name in "${menu_names[@]}" "${keys[@]}"; do
     grep -qF "'$name'" "$zsh_file" || fail "zsh lacks '$name'"
+  done
+  for word in "${commands[@]}" "${all_options[@]}"; do
+    grep -qF -- "$word" "$zsh_file" || fail "zsh lacks $word"
   done
 else
   fail "zsh is not installed (scripts/install-deps.sh --with-test-tools installs it)"
