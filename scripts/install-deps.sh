@@ -25,6 +25,8 @@ test_pkgs=(
   # Headless Wayland sessions: a wlroots compositor with and without Xwayland, one without
   # data-control, and a native Wayland clipboard reader.
   sway xwayland weston wl-clipboard
+  # A status bar that draws no tray label, fed by `horalo title --follow`, and its screenshots.
+  waybar grim
   # The stand-in panel side (a StatusNotifierWatcher, dbusmenu clicks) of those sessions.
   python3-dbus python3-gi
   # The installed files checked as desktops and shells read them, and the package installed
