@@ -20,12 +20,15 @@ void AppController::awakeFromNib()
     m_chooser.clearTimer();
     m_statusMenu.createStatusItem();
     m_chooser.restorePickerFromDefaults();
+    m_chooser.setMomentPickedObserver([this] { setup(); });
     m_customDates.clear();
     m_customDates.reserve(50);
     setup();
     m_platform.distributedCenter.addObserver(this, PreferencesChangedCallback,
                                              PreferencesChangedNotification, AppIdentifier,
                                              SuspensionBehavior::DeliverImmediately);
+    // A settings file changed by another writer is a change of settings like any broadcast.
+    m_platform.storeWatcher.addObserver([this] { setup(); });
     // The chooser window tells its owner it is closing; every window posts to this centre.
     m_platform.windowCenter.addWindowWillCloseObserver(
         [this](Window *window) { windowWillClose(window); });

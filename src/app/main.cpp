@@ -13,6 +13,7 @@
 #include "platform/qt/StatusAreaNotice.h"
 #include "platform/qt/session/DBusSessionService.h"
 #include "platform/store/PlistPreferencesStore.h"
+#include "platform/store/PlistPreferencesStoreWatcher.h"
 #include "prefpane/PreferencesUi.h"
 
 #include <QApplication>
@@ -51,9 +52,10 @@ int RunDesktopApplication(int argc, char *argv[])
     QtTimerScheduler timers;
     QtStatusBar statusBar;
     DesktopSession desktop;
-    QtApplication application;
+    QtApplication application(windowCenter);
+    PlistPreferencesStoreWatcher storeWatcher(store);
     Platform platform{store,  userDefaults, distributedCenter,   windowCenter, clock,
-                      timers, statusBar,    desktop.clipboard(), application};
+                      timers, statusBar,    desktop.clipboard(), application,  storeWatcher};
 
     LazyChooserWindow chooserWindow(windowCenter);
     PreferencesUi preferences = CreatePreferencesUi(platform, windowCenter);

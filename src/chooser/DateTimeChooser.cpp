@@ -39,12 +39,15 @@ void DateTimeChooser::showCalendar()
 
     m_calendarClockWindow->makeKeyAndOrderFront();
 
+    const bool nonePicked = g_selectedDateTime == 0.0;
     if (const auto value = m_datePicker->dateValue()) {
         g_selectedDateTime = *value;
         // The reference instant is also the "nothing picked" sentinel: the menu will show now.
         if (*value == 0.0)
             m_platform.application.beep();
     }
+    if (nonePicked && g_selectedDateTime != 0.0 && m_momentPicked)
+        m_momentPicked();
 
     if (DynamicDateTimeChooser(m_platform.store)) {
         m_dateTimeTimer = m_platform.timers.scheduleRepeatingTimer(

@@ -2,6 +2,8 @@
 
 #include "platform/Platform.h"
 
+#include <functional>
+
 // The floating date-time chooser. While it holds a moment, g_selectedDateTime carries it and
 // every rendering shows that moment instead of now. It can also follow the clock live, ticking
 // every 0.03 s until the menu opens (which freezes it) or the window closes.
@@ -21,6 +23,13 @@ public:
     void restorePickerFromDefaults();
 
     void showCalendar();
+    // Runs when opening the chooser picks a moment where none was picked, before a live clock
+    // starts: the menu gains its chooser lines then, and a panel that shows the menu it fetched
+    // last, before asking for a new one, must have them before it next opens.
+    void setMomentPickedObserver(std::function<void()> observer)
+    {
+        m_momentPicked = std::move(observer);
+    }
     void datePickerAction();
     void timerAction(Timer *timer);
     void windowWillClose(Window *window);
@@ -39,4 +48,5 @@ private:
     Window *m_calendarClockWindow;
     DatePicker *m_datePicker;
     Timer *m_dateTimeTimer = nullptr;
+    std::function<void()> m_momentPicked;
 };

@@ -8,6 +8,7 @@
 #include "platform/Clock.h"
 #include "platform/NotificationCenter.h"
 #include "platform/PreferencesStore.h"
+#include "platform/PreferencesStoreWatcher.h"
 #include "platform/StatusItem.h"
 #include "platform/Timer.h"
 #include "platform/UserDefaults.h"
@@ -24,6 +25,7 @@ struct Platform
     StatusBar &statusBar;
     Clipboard &clipboard;
     Application &application;
+    PreferencesStoreWatcher &storeWatcher;
 };
 
 // What the user-interface description provides: the chooser window and its picker.

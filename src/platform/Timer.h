@@ -23,4 +23,9 @@ public:
 
     virtual ~TimerScheduler() = default;
     virtual Timer *scheduleRepeatingTimer(double intervalSeconds, Callback callback) = 0;
+    // A repeating timer with an interval of one second whose ticks fall just after each change
+    // of the wall clock's second, so a clock showing seconds turns over with the real one. Its
+    // phase is kept on the second at every tick: a late tick does not delay the next one, and
+    // after the clock is set or the machine wakes from sleep the next tick is on the second again.
+    virtual Timer *scheduleWallClockSecondTimer(Callback callback) = 0;
 };

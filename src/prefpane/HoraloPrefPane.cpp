@@ -20,6 +20,12 @@ qint32 NarrowMoveTarget(qint64 target)
     return static_cast<qint32>(target);
 }
 
+void PreferencesChangedElsewhereCallback(DistributedNotificationCenter *, void *observer,
+                                         const QString &, const QString &, const QVariantMap &)
+{
+    static_cast<HoraloPrefPane *>(observer)->reloadFromStore();
+}
+
 constexpr quint32 kRowIndexArchiveMagic = 0x48524958; // "HRIX"
 constexpr quint16 kRowIndexArchiveVersion = 1;
 constexpr QDataStream::Version kRowIndexArchiveStreamVersion = QDataStream::Qt_6_0;
@@ -69,6 +75,19 @@ void HoraloPrefPane::awakeFromNib()
         application.infoDictionaryValue(QStringLiteral("CFBundleName")),
         application.infoDictionaryValue(QStringLiteral("CFBundleShortVersionString"))));
 
+    loadControls();
+
+    // What other processes and other writers of the settings file change must show here, or
+    // the next save would write the window's older state over it. Our own broadcast comes back
+    // too; reloading then finds nothing to change.
+    m_platform.distributedCenter.addObserver(this, PreferencesChangedElsewhereCallback,
+                                             PreferencesChangedNotification, AppIdentifier,
+                                             SuspensionBehavior::DeliverImmediately);
+    m_platform.storeWatcher.addObserver([this] { reloadFromStore(); });
+}
+
+void HoraloPrefPane::loadControls()
+{
     const std::pair<CheckBox *, const QString &> boxes[] = {
         {m_useSymbolicNames, SettingsKey::UseSymbolicNames},
         {m_initDateTimeChooserToCurrentTimeWhenOpened,
@@ -80,8 +99,10 @@ void HoraloPrefPane::awakeFromNib()
         {m_includeTitleIconButton, SettingsKey::IncludeTitleIcon},
     };
     for (const auto &[box, key] : boxes) {
-        box->setState(ReadBooleanSetting(m_platform.store, key) ? CheckBox::kOnState
-                                                                : CheckBox::kOffState);
+        const int state =
+            ReadBooleanSetting(m_platform.store, key) ? CheckBox::kOnState : CheckBox::kOffState;
+        if (box->state() != state)
+            box->setState(state);
     }
 
     const QVariant title =
@@ -90,8 +111,28 @@ void HoraloPrefPane::awakeFromNib()
         m_menuTitleDisplayPopupButton->selectItemWithTitle(title.toString());
 }
 
+void HoraloPrefPane::reloadFromStore()
+{
+    m_platform.store.appSynchronize(m_appID);
+    loadControls();
+    // A name removed from the store means the title is back at its default; show that.
+    const QVariant title =
+        m_platform.store.copyAppValue(SettingsKey::LastTitleDisplayName, m_appID);
+    if (title.typeId() != QMetaType::QString)
+        m_menuTitleDisplayPopupButton->selectItemWithTitle(DefaultTitleDisplayName);
+
+    const QStringList stored =
+        CustomDatesFromValue(m_platform.store.copyAppValue(SettingsKey::CustomDates, m_appID));
+    // Left alone when equal, so that an unchanged list keeps its selection.
+    if (stored != customDates) {
+        customDates = stored;
+        customDatesTable->reloadData();
+    }
+}
+
 void HoraloPrefPane::save()
 {
+    m_platform.storeWatcher.checkNow();
     // IncludeTitleIcon and LastTitleDisplayName are left out on purpose: their own controls
     // store them at the click, and save must not overwrite a value set elsewhere since.
     writeBoolean(SettingsKey::UseSymbolicNames, m_useSymbolicNames);

@@ -63,8 +63,13 @@ public:
     // custom formats, the version line, the seven check boxes and the title pop-up.
     void awakeFromNib();
     // Writes six booleans and the custom formats, synchronises once, broadcasts
-    // "Preferences Changed".
+    // "Preferences Changed". A change another writer made and that has not reached the window
+    // yet is taken in first, so save never writes back what the window held before it.
     void save();
+    // The store changed outside this window (a broadcast, the settings file changed on disk):
+    // the check boxes, the title pop-up and the custom formats show what it holds now. The
+    // user's own changes are in the store already, since every control writes at once.
+    void reloadFromStore();
     // Any window of the application is about to close.
     void windowWillClose(Window *closing);
 
@@ -111,6 +116,7 @@ public:
     const QStringList &customDateFormats() const { return customDates; }
 
 private:
+    void loadControls();
     void writeBoolean(const QString &key, const CheckBox *checkBox);
     void writeCustomDates();
     void writeCustomDatesAndSynchronize();

@@ -135,8 +135,9 @@ void StatusMenu::buildMenu(const QStringList &customDates)
     }
 
     if (!m_itemTitleTimer) {
-        m_itemTitleTimer = m_platform.timers.scheduleRepeatingTimer(
-            kTitleRefreshInterval, [this](Timer *timer) { itemTitleTimerAction(timer); });
+        // Once a second, on the second: a clock showing seconds must turn over with the real one.
+        m_itemTitleTimer = m_platform.timers.scheduleWallClockSecondTimer(
+            [this](Timer *timer) { itemTitleTimerAction(timer); });
     }
 }
 

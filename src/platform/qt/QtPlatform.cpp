@@ -1,6 +1,8 @@
 #include "platform/qt/QtPlatform.h"
 
 #include "platform/Version.h"
+#include "platform/qt/QtAboutPanel.h"
+#include "platform/qt/QtWallClockSecondTimer.h"
 #include "platform/qt/sni/SniStatusItem.h"
 
 #include <QApplication>
@@ -11,7 +13,6 @@
 #include <QFile>
 #include <QImageReader>
 #include <QKeyEvent>
-#include <QMessageBox>
 #include <QMimeData>
 #include <QScreen>
 #include <QVBoxLayout>
@@ -91,6 +92,11 @@ Timer *QtTimerScheduler::scheduleRepeatingTimer(double intervalSeconds, Callback
 {
     // The event loop owns the timer until it is invalidated, as the interface promises.
     return new QtTimer(intervalSeconds, std::move(callback));
+}
+
+Timer *QtTimerScheduler::scheduleWallClockSecondTimer(Callback callback)
+{
+    return new QtWallClockSecondTimer(std::move(callback));
 }
 
 // --- icon ---
@@ -323,9 +329,20 @@ int QtClipboard::putUtf8PlainText(const QByteArray &bytes)
 
 // --- application ---
 
+QtApplication::QtApplication(LocalWindowNotificationCenter &windowCenter)
+    : m_windowCenter(windowCenter)
+{}
+
+QtApplication::~QtApplication() = default;
+
 void QtApplication::terminate()
 {
-    QCoreApplication::quit();
+    // Hidden first: Qt's own quit would close them, and each closing would save and broadcast.
+    for (QWidget *window : QApplication::topLevelWidgets()) {
+        if (window->isVisible())
+            window->hide();
+    }
+    QCoreApplication::exit(0);
 }
 
 void QtApplication::setFrontProcess()
@@ -336,19 +353,12 @@ void QtApplication::setFrontProcess()
 
 void QtApplication::orderFrontStandardAboutPanel()
 {
-    auto *box = new QMessageBox;
-    box->setAttribute(Qt::WA_DeleteOnClose);
-    box->setWindowTitle(QStringLiteral("About Horalo"));
-    box->setIconPixmap(LoadIconResource(QStringLiteral("Horalo.tif")).pixmap(64, 64));
-    box->setText(QStringLiteral("<b>%1</b> %2")
-                     .arg(infoDictionaryValue(QStringLiteral("CFBundleName")),
-                          infoDictionaryValue(QStringLiteral("CFBundleShortVersionString"))));
-    box->setInformativeText(QStringLiteral("The date and time in your status area, in the format "
-                                           "you choose, one click from the clipboard."));
-    box->setStandardButtons(QMessageBox::Ok);
-    box->show();
-    box->raise();
-    box->activateWindow();
+    if (!m_aboutPanel) {
+        m_aboutPanel = std::make_unique<QtAboutPanel>(
+            m_windowCenter, infoDictionaryValue(QStringLiteral("CFBundleName")),
+            infoDictionaryValue(QStringLiteral("CFBundleShortVersionString")));
+    }
+    m_aboutPanel->makeKeyAndOrderFront();
 }
 
 void QtApplication::beep()

@@ -26,6 +26,7 @@ class QtTimerScheduler final : public TimerScheduler
 {
 public:
     Timer *scheduleRepeatingTimer(double intervalSeconds, Callback callback) override;
+    Timer *scheduleWallClockSecondTimer(Callback callback) override;
 };
 
 // Loads the icon resource of a name as every size it holds (each page of a TIFF, say).
@@ -145,9 +146,17 @@ private:
     bool m_clearPending = false;
 };
 
+class QtAboutPanel;
+
 class QtApplication final : public Application
 {
 public:
+    // The About panel announces its closing to windowCenter, as every window does.
+    explicit QtApplication(LocalWindowNotificationCenter &windowCenter);
+    ~QtApplication() override;
+
+    // Ends the event loop. Windows still open are hidden, not closed: quitting is not a
+    // window's closing, so it neither saves nor broadcasts anything.
     void terminate() override;
     void setFrontProcess() override;
     void orderFrontStandardAboutPanel() override;
@@ -155,6 +164,13 @@ public:
     int windowLevelForKey(int key) const override;
     QString imageNamed(const QString &name) const override;
     QString infoDictionaryValue(const QString &key) const override;
+
+    // The About panel once it has been shown, or null.
+    QtAboutPanel *aboutPanel() const { return m_aboutPanel.get(); }
+
+private:
+    LocalWindowNotificationCenter &m_windowCenter;
+    std::unique_ptr<QtAboutPanel> m_aboutPanel;
 };
 
 // The date-time chooser: a calendar to click and a time field to type, to the second.

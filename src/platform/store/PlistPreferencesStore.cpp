@@ -322,6 +322,8 @@ bool PlistPreferencesStore::writePendingChanges()
     const QVariantMap merged = withPendingChanges(current.values);
     if (!WriteFileAtomically(m_path, PropertyListToXml(merged), m_beforeRename))
         return fail(current.values);
+    // Still under the lock: no writer of ours can have replaced the file since the rename.
+    m_writtenSignature = FileSignature::ofPath(NativePath(m_path));
     m_values = merged;
     m_pending.clear();
     return true;

@@ -58,6 +58,8 @@ public:
         m_timestampGranularity = granularity;
     }
     QString domain() const { return m_domain; }
+    // The file as this store's last write left it, so a watcher can tell our writes from others'.
+    std::optional<FileSignature> lastWrittenSignature() const { return m_writtenSignature; }
 
     // Runs after the temporary file is complete and before it is renamed over the store, with
     // its path, so that a test can stop the process right there.
@@ -87,4 +89,5 @@ private:
     std::optional<LastRead> m_lastRead; // set only when its signature can be trusted
     int m_fileReads = 0;
     std::chrono::nanoseconds m_timestampGranularity = FileSignature::kTimestampGranularity;
+    std::optional<FileSignature> m_writtenSignature;
 };
