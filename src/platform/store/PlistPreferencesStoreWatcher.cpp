@@ -46,7 +46,8 @@ void PlistPreferencesStoreWatcher::checkNow()
 {
     // A replaced file is a new inode, and a directory that appeared needs a watch of its own.
     watchPaths();
-    const std::optional<FileSignature> now = FileSignature::ofPath(QFile::encodeName(m_store.filePath()));
+    const std::optional<FileSignature> now =
+        FileSignature::ofPath(QFile::encodeName(m_store.filePath()));
     if (now == m_seen)
         return; // the lock file, a temporary file, or a change already reported
     m_seen = now;

@@ -29,6 +29,8 @@ protected:
 
     void SetUp() override
     {
+        // The picker shows local time: the expected fields are New York's.
+        setenv("TZ", "America/New_York", 1);
         center.addWindowWillCloseObserver([this](Window *closing) { closed.append(closing); });
         window.setAction([this] { ++actions; });
     }

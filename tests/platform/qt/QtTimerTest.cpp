@@ -3,6 +3,7 @@
 #include "platform/qt/QtPlatform.h"
 
 #include <QApplication>
+#include <QDateTime>
 #include <QElapsedTimer>
 #include <QMenu>
 
@@ -75,6 +76,23 @@ TEST_F(QtTimers, HoldTheirFireWhileAMenuIsOpen)
     EXPECT_FALSE(IsTrackingMenu());
     EXPECT_TRUE(RunEventLoopUntil([&] { return fired >= 2; }));
     timer->invalidate();
+}
+
+TEST_F(QtTimers, TheTitleTimerTicksOncePerWallClockSecondAfterItChanges)
+{
+    // Which second each tick saw: a tick before the boundary would see the old second again.
+    QList<qint64> seconds;
+    Timer *timer = scheduler.scheduleWallClockSecondTimer(
+        [&](Timer *) { seconds.append(QDateTime::currentMSecsSinceEpoch() / 1000); });
+    EXPECT_EQ(timer->timeInterval(), 1.0);
+    ASSERT_TRUE(RunEventLoopUntil([&] { return seconds.size() >= 3; }, 6000));
+    for (qsizetype i = 1; i < seconds.size(); ++i)
+        EXPECT_GT(seconds.at(i), seconds.at(i - 1)) << "the same second ticked twice";
+
+    timer->invalidate();
+    const qsizetype atInvalidation = seconds.size();
+    RunEventLoopFor(1200);
+    EXPECT_EQ(seconds.size(), atInvalidation);
 }
 
 } // namespace
