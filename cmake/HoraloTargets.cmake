@@ -1,8 +1,8 @@
 # Warnings are errors for our own code only; system headers (Qt, ICU) are included as such.
 function(horalo_warnings target)
     target_compile_options(${target} PRIVATE
-        -Wall -Wextra -Wpedantic -Werror
-        -Wshadow -Wnon-virtual-dtor -Woverloaded-virtual -Wimplicit-fallthrough)
+        -Wall -Wextra -Wpedantic -Werror -Wshadow -Wimplicit-fallthrough
+        $<$<COMPILE_LANGUAGE:CXX>:-Wnon-virtual-dtor -Woverloaded-virtual>)
     target_compile_definitions(${target} PRIVATE
         QT_NO_CAST_FROM_ASCII QT_NO_CAST_TO_ASCII QT_NO_KEYWORDS QT_NO_FOREACH)
 endfunction()
