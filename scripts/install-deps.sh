@@ -6,7 +6,7 @@ set -euo pipefail
 build_pkgs=(
   build-essential cmake ninja-build pkg-config
   qt6-base-dev libqt6svg6 qt6-image-formats-plugins
-  libicu-dev libplist-dev
+  libicu-dev
   # The Wayland clipboard writer (libwayland-client, wayland-scanner) and Qt's wayland platform
   # for sessions without an X server.
   libwayland-dev libwayland-bin qt6-wayland

@@ -21,4 +21,8 @@ public:
     virtual bool appSynchronize(const QString &domain) = 0;
     // Every key of the domain, as last synchronised plus this process's pending writes.
     virtual QVariantMap copyAllValues(const QString &domain) = 0;
+    // One line on the latest trouble with the backing store (a damaged file read as empty or
+    // kept aside, a write refused), for the command line to show; empty when there was none.
+    // Taking it clears it. The desktop side never asks: its failures stay silent.
+    virtual QString takeProblem() { return {}; }
 };

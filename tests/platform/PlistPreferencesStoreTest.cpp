@@ -1,5 +1,6 @@
 #include "platform/store/PlistPreferencesStore.h"
 
+#include "BinaryPlistBuilder.h"
 #include "TestSupport.h"
 
 #include <QDateTime>
@@ -11,6 +12,7 @@
 #include <gtest/gtest.h>
 
 #include <sys/stat.h>
+#include <unistd.h>
 
 namespace {
 
@@ -297,6 +299,169 @@ TEST_F(PlistStoreTest, ABinaryStoreIsReadAndKeptWhenRewrittenAsXml)
     QVariantMap withAdded = expected;
     withAdded.insert(QStringLiteral("added"), true);
     EXPECT_EQ(readFresh(), withAdded);
+}
+
+// Files that crashed or hung the previous reader: a UTF-16 key holding U+0000 (53 bytes, as
+// Python writes it) and 100,000 nested arrays. Both read as the defaults with one line to tell,
+// and are kept aside whole at the next write.
+TEST_F(PlistStoreTest, HostileBinaryFilesReadAsDefaultsAndAreKeptAsideWhole)
+{
+    BinaryPlistBuilder deep(4);
+    for (int i = 0; i < 100000; ++i)
+        deep.add(deep.array({i + 1}));
+    deep.add(deep.integer(1));
+    const QByteArray files[] = {
+        QByteArray("\x62\x70\x6c\x69\x73\x74\x30\x30\xd1\x01\x02\x62\x00\xe9\x00\x00\x10\x01\x08"
+                   "\x0b\x10\x00\x00\x00\x00\x00\x00\x01\x01\x00\x00\x00\x00\x00\x00\x00\x03\x00"
+                   "\x00\x00\x00\x00\x00\x00\x00\x00\x00\x00\x00\x00\x00\x00\x12",
+                   53),
+        deep.build(0),
+    };
+    QDir().mkpath(QFileInfo(m_path).path());
+    for (const QByteArray &bytes : files) {
+        ASSERT_TRUE(WriteFileBytes(m_path, bytes));
+        PlistPreferencesStore store(m_path);
+        EXPECT_TRUE(store.copyAllValues(kDomain).isEmpty());
+        EXPECT_FALSE(store.appSynchronize(kDomain));
+        const QString problem = store.takeProblem();
+        EXPECT_TRUE(problem.contains(u"cannot be read (not a well-formed property list)"_s))
+            << qPrintable(problem);
+        EXPECT_TRUE(store.takeProblem().isEmpty()) << "taking it clears it";
+
+        store.setAppValue(u"k"_s, true, kDomain);
+        ASSERT_TRUE(store.appSynchronize(kDomain));
+        EXPECT_TRUE(store.takeProblem().contains(u"is kept as"_s));
+        const QStringList aside = filesBeside(QStringLiteral("*.corrupt"));
+        ASSERT_FALSE(aside.isEmpty());
+        EXPECT_EQ(ReadFileBytes(QFileInfo(m_path).path() + u'/' + aside.last()), bytes);
+        QFile::remove(QFileInfo(m_path).path() + u'/' + aside.last());
+    }
+}
+
+TEST_F(PlistStoreTest, AFileOverSixteenMebibytesIsNotParsed)
+{
+    QDir().mkpath(QFileInfo(m_path).path());
+    // A valid list, so only its size can make it unreadable.
+    const QByteArray head = "<plist><dict><key>k</key><string>";
+    const QByteArray tail = "</string></dict></plist>";
+    const qsizetype limit = qsizetype(16) << 20;
+    ASSERT_TRUE(
+        WriteFileBytes(m_path, head + QByteArray(limit - head.size() - tail.size(), 'x') + tail));
+    EXPECT_EQ(PlistPreferencesStore(m_path).copyAllValues(kDomain).size(), 1) << "at the limit";
+
+    ASSERT_TRUE(WriteFileBytes(
+        m_path, head + QByteArray(limit + 1 - head.size() - tail.size(), 'x') + tail));
+    PlistPreferencesStore store(m_path);
+    EXPECT_TRUE(store.copyAllValues(kDomain).isEmpty());
+    EXPECT_TRUE(store.takeProblem().contains(u"larger than 16 MiB"_s));
+}
+
+TEST_F(PlistStoreTest, AKeyXmlCannotCarryRefusesTheWriteAndLeavesTheFileAlone)
+{
+    // Python's plistlib: {"\x01": 1, "\uFFFD": 2}. Written as XML the first key would turn into
+    // the second, and one of the two values would be lost.
+    const QByteArray binary(
+        "\x62\x70\x6c\x69\x73\x74\x30\x30\xd2\x01\x02\x03\x04\x51\x01\x61\xff\xfd\x10\x01\x10"
+        "\x02\x08\x0d\x0f\x12\x14\x00\x00\x00\x00\x00\x00\x01\x01\x00\x00\x00\x00\x00\x00\x00"
+        "\x05\x00\x00\x00\x00\x00\x00\x00\x00\x00\x00\x00\x00\x00\x00\x00\x16",
+        59);
+    QDir().mkpath(QFileInfo(m_path).path());
+    ASSERT_TRUE(WriteFileBytes(m_path, binary));
+    PlistPreferencesStore store(m_path);
+    EXPECT_EQ(store.copyAllValues(kDomain),
+              (QVariantMap{{u"\u0001"_s, qlonglong(1)}, {u"\uFFFD"_s, qlonglong(2)}}));
+
+    store.setAppValue(u"other"_s, true, kDomain);
+    EXPECT_FALSE(store.appSynchronize(kDomain));
+    EXPECT_EQ(store.takeProblem(), u"the settings file holds the key '\u0001', whose name or value "
+                                   "cannot be written back as it is; nothing was written"_s);
+    EXPECT_EQ(ReadFileBytes(m_path), binary);
+    EXPECT_EQ(store.copyAppValue(u"other"_s, kDomain), QVariant(true)) << "still pending";
+
+    // Values this process would write are refused at once instead.
+    store.setAppValue(u"bell"_s, u"\u0007"_s, kDomain);
+    store.setAppValue(u"\u0007"_s, 1, kDomain);
+    EXPECT_FALSE(store.copyAppValue(u"bell"_s, kDomain).isValid());
+    EXPECT_FALSE(store.copyAppValue(u"\u0007"_s, kDomain).isValid());
+}
+
+TEST_F(PlistStoreTest, ASymlinkedStoreIsWrittenThroughAndStaysALink)
+{
+    // As dotfile managers lay it out: the real file elsewhere, reached by a relative link, and
+    // a second link on the way.
+    const QString dotfiles = m_dir.path() + u"/dotfiles"_s;
+    const QString target = dotfiles + u"/horalo.plist"_s;
+    QDir().mkpath(dotfiles);
+    QDir().mkpath(QFileInfo(m_path).path());
+    ASSERT_TRUE(QFile::link(u"../dotfiles/horalo.plist"_s, m_dir.path() + u"/config/hop"_s));
+    ASSERT_EQ(::symlink("../hop", QFile::encodeName(m_path).constData()), 0);
+
+    writeFresh({{u"first"_s, 1}}); // the link dangles: its target is created
+    writeFresh({{u"second"_s, 2}});
+    EXPECT_TRUE(QFileInfo(m_path).isSymLink());
+    EXPECT_TRUE(QFileInfo(m_dir.path() + u"/config/hop"_s).isSymLink());
+    EXPECT_EQ(PlistPreferencesStore(target).copyAllValues(kDomain).size(), 2);
+    EXPECT_EQ(readFresh().size(), 2);
+    EXPECT_EQ(Mode(target), 0600);
+    EXPECT_TRUE(QDir(dotfiles).entryList({u"*.tmp-*"_s}, QDir::Files | QDir::Hidden).isEmpty());
+
+    // A damaged target is kept aside beside the target, and the link still leads to the new one.
+    ASSERT_TRUE(WriteFileBytes(target, "<plist><dict>"));
+    writeFresh({{u"third"_s, 3}});
+    EXPECT_TRUE(QFileInfo(m_path).isSymLink());
+    EXPECT_EQ(QDir(dotfiles).entryList({u"*.corrupt"_s}, QDir::Files).size(), 1);
+    EXPECT_EQ(readFresh(), (QVariantMap{{u"third"_s, qlonglong(3)}}));
+}
+
+TEST_F(PlistStoreTest, ALoopOfLinksIsReportedAndNothingIsWritten)
+{
+    QDir().mkpath(QFileInfo(m_path).path());
+    ASSERT_EQ(
+        ::symlink(QFile::encodeName(m_path).constData(), QFile::encodeName(m_path).constData()), 0);
+    PlistPreferencesStore store(m_path);
+    store.setAppValue(u"k"_s, 1, kDomain);
+    EXPECT_FALSE(store.appSynchronize(kDomain));
+    EXPECT_TRUE(store.takeProblem().contains(u"loop of symbolic links"_s));
+    EXPECT_TRUE(QFileInfo(m_path).isSymLink());
+}
+
+TEST_F(PlistStoreTest, WhatStandsAtTheLockPathNeverBlocksWritesNorLeadsElsewhere)
+{
+    const QString lock = m_path + u".lock"_s;
+    const QString elsewhere = m_dir.path() + u"/elsewhere"_s;
+    QDir().mkpath(QFileInfo(m_path).path());
+
+    // A dangling link: opening through it would create its target.
+    ASSERT_TRUE(QFile::link(elsewhere, lock));
+    {
+        PlistPreferencesStore store(m_path);
+        store.setAppValue(u"a"_s, 1, kDomain);
+        EXPECT_TRUE(store.appSynchronize(kDomain));
+        EXPECT_TRUE(store.takeProblem().contains(u"was a symbolic link"_s));
+    }
+    EXPECT_FALSE(QFileInfo::exists(elsewhere));
+    EXPECT_FALSE(QFileInfo(lock).isSymLink());
+
+    // A directory, with something in it: moved aside whole, not removed.
+    ASSERT_TRUE(QFile::remove(lock));
+    ASSERT_TRUE(QDir().mkpath(lock + u"/inside"_s));
+    {
+        PlistPreferencesStore store(m_path);
+        store.setAppValue(u"b"_s, 2, kDomain);
+        EXPECT_TRUE(store.appSynchronize(kDomain));
+        EXPECT_TRUE(store.takeProblem().contains(u"was not a plain file; it was moved aside"_s));
+    }
+    EXPECT_TRUE(QFileInfo(lock).isFile());
+    const QStringList aside = filesBeside(u"*.lock.*.corrupt"_s);
+    ASSERT_EQ(aside.size(), 1);
+    EXPECT_TRUE(QFileInfo::exists(QFileInfo(m_path).path() + u'/' + aside.first() + u"/inside"_s));
+    EXPECT_EQ(readFresh().size(), 2);
+
+    // A plain lock file is simply used, and nothing is said.
+    PlistPreferencesStore store(m_path);
+    store.setAppValue(u"c"_s, 3, kDomain);
+    EXPECT_TRUE(store.appSynchronize(kDomain));
+    EXPECT_TRUE(store.takeProblem().isEmpty());
 }
 
 TEST_F(PlistStoreTest, OtherDomainsAreNeitherReadNorWritten)

@@ -10,10 +10,15 @@
 
 namespace {
 
+using namespace Qt::StringLiterals;
+
 QVariant RoundTrip(const QVariant &value)
 {
     const QVariantMap in{{QStringLiteral("k"), value}};
-    const auto out = ParsePropertyList(PropertyListToXml(in));
+    const std::optional<QByteArray> xml = PropertyListToXml(in);
+    if (!xml)
+        return QStringLiteral("<refused>");
+    const auto out = ParsePropertyList(*xml);
     if (!out || out->typeId() != QMetaType::QVariantMap)
         return QStringLiteral("<unreadable>");
     return out->toMap().value(QStringLiteral("k"));
@@ -51,8 +56,18 @@ TEST(PropertyListXml, StringsSurviveMarkupAndAwkwardCharacters)
     const QString text = QStringLiteral("<a> & \"b\" ]]> é ☃ 😀\r\n\ttab");
     EXPECT_EQ(RoundTrip(text), QVariant(text));
     EXPECT_EQ(RoundTrip(QString()), QVariant(QString()));
-    // Not representable in XML: replaced, and the file stays readable.
-    EXPECT_EQ(RoundTrip(QString(QChar(1)) + u'x'), QVariant(QStringLiteral("\uFFFDx")));
+    // Not representable in XML: refused as a whole, never written altered.
+    for (const QString &bad :
+         {QString(QChar(1)) + u'x', QString(QChar(0)), QStringLiteral("\uFFFE"),
+          QString(QChar(0xD800)) + u'x', QStringLiteral("ok\U0001F600") + QChar(0xDC00)}) {
+        EXPECT_EQ(RoundTrip(bad), QVariant(QStringLiteral("<refused>")));
+        EXPECT_FALSE(PropertyListToXml({{bad, 1}})) << "as a key too";
+        EXPECT_EQ(
+            FirstTextPropertyListCannotKeep(QVariantList{u"fine"_s, QVariantMap{{u"k"_s, bad}}}),
+            bad);
+    }
+    EXPECT_FALSE(FirstTextPropertyListCannotKeep(
+        QVariantMap{{u"tab\tline\ncr\r"_s, QVariantList{u"\u007f\u009b"_s, QByteArray("\0", 1)}}}));
 }
 
 TEST(PropertyListXml, DatesAreUtcToTheWholeSecondWellOutsideThirtyTwoBits)

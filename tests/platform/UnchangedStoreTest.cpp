@@ -15,6 +15,7 @@
 #include <fcntl.h>
 #include <sys/stat.h>
 #include <thread>
+#include <unistd.h>
 
 namespace {
 
@@ -29,7 +30,7 @@ constexpr auto kGranularity = 40ms;
 
 QByteArray StoreBytes(const QString &title)
 {
-    return PropertyListToXml({{kKey, title}});
+    return PropertyListToXml({{kKey, title}}).value();
 }
 
 // Rewrites the file in place, keeping its inode, size and modification time: only the change
@@ -161,6 +162,27 @@ TEST_F(UnchangedStoreTest, AFileReplacedByADamagedOneReadsAsEmptyAndStaysSo)
     EXPECT_FALSE(m_reader.appSynchronize(kDomain));
     EXPECT_EQ(m_reader.fileReadCount(), reads);
     EXPECT_FALSE(m_reader.copyAppValue(kKey, kDomain).isValid());
+}
+
+TEST_F(UnchangedStoreTest, AnOversizedFileIsNotLookedIntoAgainAndAWriteKeepsItAside)
+{
+    // Sparse: 17 MiB on paper, nothing on disk.
+    ASSERT_EQ(::truncate(QFile::encodeName(m_path).constData(), (17 << 20)), 0);
+    settle();
+    m_reader.setTimestampGranularityForTesting(kGranularity);
+    EXPECT_FALSE(m_reader.appSynchronize(kDomain));
+    const int reads = m_reader.fileReadCount();
+    for (int i = 0; i < 10; ++i)
+        EXPECT_FALSE(m_reader.appSynchronize(kDomain));
+    EXPECT_EQ(m_reader.fileReadCount(), reads);
+
+    // The write moves it aside; the new file is not mistaken for the one kept aside.
+    m_reader.setAppValue(kKey, QStringLiteral("Long Date"), kDomain);
+    ASSERT_TRUE(m_reader.appSynchronize(kDomain));
+    EXPECT_EQ(QDir(QFileInfo(m_path).path()).entryList({QStringLiteral("*.corrupt")}).size(), 1);
+    EXPECT_TRUE(m_reader.appSynchronize(kDomain));
+    EXPECT_EQ(title(), u"Long Date");
+    EXPECT_LT(QFileInfo(m_path).size(), 4096);
 }
 
 TEST_F(UnchangedStoreTest, ASymbolicLinkPointedElsewhereIsSeen)

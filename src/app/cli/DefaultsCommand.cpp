@@ -235,7 +235,9 @@ int SaveAndAnnounce(PreferencesStore &store, DistributedNotificationCenter *cent
                     QTextStream &err)
 {
     if (!store.appSynchronize(AppIdentifier)) {
-        PrintError(err, QStringLiteral("could not save the settings"));
+        const QString problem = store.takeProblem();
+        PrintError(err,
+                   problem.isEmpty() ? QStringLiteral("could not save the settings") : problem);
         return 1;
     }
     if (center)
@@ -352,16 +354,23 @@ int RunDefaultsCommandOn(PreferencesStore &store, DistributedNotificationCenter 
                          const QStringList &args, QTextStream &out, QTextStream &err)
 {
     const QString verb = args.value(0);
+    int status = 2;
     if (verb == u"read")
-        return Read(store, args, out, err);
-    if (verb == u"write")
-        return Write(store, center, args, err);
-    if (verb == u"delete")
-        return Delete(store, center, args, err);
-    PrintError(err, verb.isEmpty() ? QStringLiteral("defaults needs read, write or delete")
-                                   : QStringLiteral("unknown defaults command ") + Quoted(verb) +
-                                         QStringLiteral(" (read, write or delete)"));
-    return 2;
+        status = Read(store, args, out, err);
+    else if (verb == u"write")
+        status = Write(store, center, args, err);
+    else if (verb == u"delete")
+        status = Delete(store, center, args, err);
+    else
+        PrintError(err, verb.isEmpty()
+                            ? QStringLiteral("defaults needs read, write or delete")
+                            : QStringLiteral("unknown defaults command ") + Quoted(verb) +
+                                  QStringLiteral(" (read, write or delete)"));
+    // A damaged file read as empty, or kept aside by this write: the user should know.
+    const QString problem = store.takeProblem();
+    if (!problem.isEmpty())
+        PrintError(err, problem);
+    return status;
 }
 
 int RunDefaultsCommand(const QStringList &args, QTextStream &out, QTextStream &err)

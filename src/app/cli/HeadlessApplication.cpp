@@ -1,5 +1,6 @@
 #include "app/cli/HeadlessApplication.h"
 
+#include "app/cli/TerminalText.h"
 #include "datetext/DateText.h"
 
 HeadlessApplication::HeadlessApplication(const TimeOptions &options)
@@ -22,4 +23,11 @@ std::optional<QString> HeadlessApplication::refreshTitle()
     if (item.titleSetCount() == setBefore)
         return std::nullopt;
     return item.title();
+}
+
+void HeadlessApplication::reportStoreProblem(QTextStream &err)
+{
+    const QString problem = m_store.takeProblem();
+    if (!problem.isEmpty())
+        PrintCommandLineError(err, problem);
 }

@@ -46,6 +46,7 @@ int RunMenuCommand(const QStringList &args, QTextStream &out, QTextStream &err)
     for (const QString &line :
          DescribeMenu(*app.controller().statusMenu().menu(), WithoutControlCharacters))
         out << line << '\n';
+    app.reportStoreProblem(err);
     return 0;
 }
 
@@ -73,6 +74,7 @@ int RunTitleCommand(const QStringList &args, QTextStream &out, QTextStream &err)
     HeadlessApplication app(parser.time());
     // A refresh that would leave the title as it was prints nothing.
     const std::optional<QString> title = app.refreshTitle();
+    app.reportStoreProblem(err);
     if (!title)
         return 0;
     if (!json) {
@@ -136,6 +138,7 @@ int RunCopyCommand(const QStringList &args, QTextStream &out, QTextStream &err)
     HeadlessApplication app(parser.time());
     sender.title = sender.action;
     app.controller().performAction(sender.action, sender);
+    app.reportStoreProblem(err);
     const std::optional<QByteArray> copied = app.platform().clipboard.contents();
     if (!copied) {
         PrintCommandLineError(err, u"the text cannot be produced; nothing was copied");

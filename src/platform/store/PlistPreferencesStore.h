@@ -25,9 +25,13 @@ QString DefaultPreferencesStorePath();
 // its owner only and is created, directories included, at the first write.
 //
 // A missing, empty or unreadable file reads as an empty domain. A file that is not a property
-// list holding a dictionary reads as empty too, and is renamed to
+// list holding a dictionary, or is larger than 16 MiB, reads as empty too, and is renamed to
 // "<file>.<UTC time>.corrupt" before the next write, never overwritten. Binary property lists
-// are read; XML is always written. Nothing is logged.
+// are read (by a bounded reader: no file can crash or hang us); XML is always written, and a
+// write that XML could not carry exactly (a key from a binary list holding a control
+// character) is refused rather than made. When the store's path is a symbolic link, the file
+// it leads to is replaced, in its own directory, and the link stays. Nothing is logged;
+// takeProblem() tells the command line what went wrong.
 //
 // A synchronise with nothing to write still asks the file system every time, but parses the
 // file only when it is not provably the one read last (see FileSignature): the values never
@@ -43,10 +47,11 @@ public:
     // Any other domain than this store's reads as empty, and writes to it are ignored.
     QVariant copyAppValue(const QString &key, const QString &domain) override;
     // Values are kept as NormalizedPropertyListValue() gives them; a value no property list
-    // can hold is ignored.
+    // can hold, or a key or text it cannot carry as it is, is ignored.
     void setAppValue(const QString &key, const QVariant &value, const QString &domain) override;
     bool appSynchronize(const QString &domain) override;
     QVariantMap copyAllValues(const QString &domain) override;
+    QString takeProblem() override;
 
     QString filePath() const { return m_path; }
     // How many times the file was read and parsed to be synchronised (writes not counted).
@@ -85,6 +90,7 @@ private:
     QString m_domain;
     QVariantMap m_values;  // as last read, with the pending changes applied
     QVariantMap m_pending; // key -> new value; an invalid QVariant removes the key
+    QString m_problem;
     std::function<void(const QString &)> m_beforeRename;
     std::optional<LastRead> m_lastRead; // set only when its signature can be trusted
     int m_fileReads = 0;

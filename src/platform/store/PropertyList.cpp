@@ -1,21 +1,18 @@
 #include "platform/store/PropertyList.h"
 
 #include "platform/AbsoluteTime.h"
+#include "platform/store/BinaryPropertyListReader.h"
 
 #include <QDateTime>
 #include <QXmlStreamReader>
 #include <QXmlStreamWriter>
 
-#include <plist/plist.h>
-
 #include <cmath>
-#include <cstdlib>
 #include <limits>
 
-// XML is read and written here with QtCore, and libplist (2.2) serves only for binary lists.
-// Its XML side cannot be trusted with our values: it keeps dates as 32-bit seconds (nothing
-// before 1933 or after 2069), writes a negative integer set through its API as a huge unsigned
-// one, and reports an integer above 2^63 as a negative one.
+// XML is read and written here with QtCore; binary lists are read by our own bounded reader,
+// since a settings file may be damaged or hostile and a general-purpose parser (libplist, for
+// one) can abort or exhaust the stack on such input before any check of ours could run.
 
 namespace {
 
@@ -132,33 +129,16 @@ private:
         m_xml.writeEndElement();
     }
 
-    // XML cannot carry every string: a carriage return would come back as a line feed, and
-    // most control characters and unpaired surrogates are not allowed at all. The first is
-    // written as a character reference; the others become U+FFFD rather than making the whole
-    // file unreadable.
+    // A carriage return would come back as a line feed: it is written as a character
+    // reference. Text XML cannot carry at all never gets here (PropertyListToXml() checks).
     void writeText(const QString &text)
     {
-        QString run;
-        run.reserve(text.size());
-        for (qsizetype i = 0; i < text.size(); ++i) {
-            const QChar c = text.at(i);
-            const char16_t u = c.unicode();
-            if (u == u'\r') {
-                m_xml.writeCharacters(run);
-                run.clear();
+        const QStringList lines = text.split(u'\r');
+        for (qsizetype i = 0; i < lines.size(); ++i) {
+            if (i > 0)
                 m_xml.writeEntityReference(QStringLiteral("#13"));
-            } else if (c.isHighSurrogate() && i + 1 < text.size() &&
-                       text.at(i + 1).isLowSurrogate()) {
-                run.append(c);
-                run.append(text.at(++i));
-            } else if (c.isSurrogate() || u == 0xFFFE || u == 0xFFFF ||
-                       (u < 0x20 && u != u'\t' && u != u'\n')) {
-                run.append(QChar::ReplacementCharacter);
-            } else {
-                run.append(c);
-            }
+            m_xml.writeCharacters(lines.at(i));
         }
-        m_xml.writeCharacters(run);
     }
 
     void writeValue(const QVariant &value)
@@ -376,108 +356,6 @@ private:
     QXmlStreamReader m_xml;
 };
 
-// --- binary reading, through libplist ---
-
-std::optional<QVariant> FromPlistNode(plist_t node, int depth)
-{
-    if (!node || depth > kMaxDepth)
-        return std::nullopt;
-    switch (plist_get_node_type(node)) {
-    case PLIST_BOOLEAN: {
-        uint8_t value = 0;
-        plist_get_bool_val(node, &value);
-        return QVariant(value != 0);
-    }
-    case PLIST_UINT: {
-        // The binary format keeps integers as signed 64-bit values, and libplist hands them
-        // over as their unsigned bit pattern: the cast gives negative numbers back.
-        uint64_t value = 0;
-        plist_get_uint_val(node, &value);
-        return QVariant(static_cast<qlonglong>(value));
-    }
-    case PLIST_REAL: {
-        double value = 0;
-        plist_get_real_val(node, &value);
-        return QVariant(value);
-    }
-    case PLIST_STRING: {
-        uint64_t length = 0;
-        const char *text = plist_get_string_ptr(node, &length);
-        return QVariant(QString::fromUtf8(text, static_cast<qsizetype>(length)));
-    }
-    case PLIST_DATE: {
-        // libplist splits the reference-date offset into seconds and microseconds.
-        int32_t seconds = 0;
-        int32_t microseconds = 0;
-        plist_get_date_val(node, &seconds, &microseconds);
-        const double since2001 = seconds + microseconds / 1e6;
-        return NormalizedDate(WholeSecondUtc(static_cast<qint64>(std::floor(since2001)) +
-                                             static_cast<qint64>(kAbsoluteTimeIntervalSince1970)));
-    }
-    case PLIST_DATA: {
-        uint64_t length = 0;
-        const char *bytes = plist_get_data_ptr(node, &length);
-        return QVariant(QByteArray(bytes, static_cast<qsizetype>(length)));
-    }
-    case PLIST_ARRAY: {
-        QVariantList list;
-        const uint32_t size = plist_array_get_size(node);
-        for (uint32_t i = 0; i < size; ++i) {
-            const auto value = FromPlistNode(plist_array_get_item(node, i), depth + 1);
-            if (!value)
-                return std::nullopt;
-            list.append(*value);
-        }
-        return QVariant(list);
-    }
-    case PLIST_DICT: {
-        QVariantMap map;
-        plist_dict_iter iter = nullptr;
-        plist_dict_new_iter(node, &iter);
-        bool ok = iter != nullptr;
-        while (ok) {
-            char *key = nullptr;
-            plist_t item = nullptr;
-            plist_dict_next_item(node, iter, &key, &item);
-            if (!item) {
-                std::free(key);
-                break;
-            }
-            const auto value = FromPlistNode(item, depth + 1);
-            if (value && key)
-                map.insert(QString::fromUtf8(key), *value);
-            else
-                ok = false;
-            std::free(key);
-        }
-        std::free(iter);
-        if (!ok)
-            return std::nullopt;
-        return QVariant(map);
-    }
-    case PLIST_UID: {
-        uint64_t value = 0;
-        plist_get_uid_val(node, &value);
-        return QVariant(QVariantMap{{QStringLiteral("CF$UID"), static_cast<qlonglong>(value)}});
-    }
-    default:
-        return std::nullopt;
-    }
-}
-
-std::optional<QVariant> ParseBinary(const QByteArray &bytes)
-{
-    if (bytes.size() > std::numeric_limits<uint32_t>::max())
-        return std::nullopt;
-    plist_t root = nullptr;
-    plist_from_bin(bytes.constData(), static_cast<uint32_t>(bytes.size()), &root);
-    if (!root)
-        return std::nullopt;
-    auto value = FromPlistNode(root, 0);
-    plist_free(root);
-    return value;
-}
-
 } // namespace
 
 bool PropertyListCanKeepText(QStringView text)
@@ -536,12 +414,14 @@ std::optional<QVariant> NormalizedPropertyListValue(const QVariant &value)
 std::optional<QVariant> ParsePropertyList(const QByteArray &bytes)
 {
     if (bytes.startsWith("bplist"))
-        return ParseBinary(bytes);
+        return BinaryPropertyListReader(bytes).read();
     return XmlReader(bytes).readDocument();
 }
 
-QByteArray PropertyListToXml(const QVariantMap &dictionary)
+std::optional<QByteArray> PropertyListToXml(const QVariantMap &dictionary)
 {
+    if (FirstTextPropertyListCannotKeep(dictionary))
+        return std::nullopt;
     QByteArray out;
     XmlWriter writer(&out);
     writer.writeDocument(NormalizedPropertyListValue(dictionary).value_or(QVariantMap()).toMap());

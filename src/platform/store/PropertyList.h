@@ -35,6 +35,7 @@ std::optional<QString> FirstTextPropertyListCannotKeep(const QVariant &value);
 // well-formed property list.
 std::optional<QVariant> ParsePropertyList(const QByteArray &bytes);
 
-// The dictionary as an XML property list, UTF-8, tab-indented. Values are expected in
-// normalised form.
-QByteArray PropertyListToXml(const QVariantMap &dictionary);
+// The dictionary as an XML property list, UTF-8, tab-indented; std::nullopt when it holds text
+// XML cannot carry exactly (see PropertyListCanKeepText()). Values are expected in normalised
+// form.
+std::optional<QByteArray> PropertyListToXml(const QVariantMap &dictionary);

@@ -1,8 +1,11 @@
+#include "BinaryPlistBuilder.h"
 #include "DefaultsCommandFixture.h"
 #include "app/settings/Settings.h"
 #include "platform/NotificationCenter.h"
 
 #include <QDateTime>
+#include <QDir>
+#include <QFileInfo>
 
 namespace {
 
@@ -85,6 +88,54 @@ TEST_F(DefaultsCommandTest, WhatATerminalWouldActOnIsPrintedEscaped)
     // A value on its own keeps its tabs and line feeds, so that scripts read the text itself.
     ASSERT_EQ(run({u"write"_s, u"k"_s, u"-string"_s, u"two\tcolumns\nand lines"_s}).status, 0);
     EXPECT_EQ(run({u"read"_s, u"k"_s}).out, u"two\tcolumns\nand lines\n"_s);
+}
+
+TEST_F(DefaultsCommandTest, ADamagedFileIsToldInOneLineAndKeptAsideAtTheNextWrite)
+{
+    // A UTF-16 key holding U+0000, as Python's plistlib writes it.
+    const QByteArray damaged(
+        "\x62\x70\x6c\x69\x73\x74\x30\x30\xd1\x01\x02\x62\x00\xe9\x00\x00\x10\x01\x08\x0b\x10"
+        "\x00\x00\x00\x00\x00\x00\x01\x01\x00\x00\x00\x00\x00\x00\x00\x03\x00\x00\x00\x00\x00"
+        "\x00\x00\x00\x00\x00\x00\x00\x00\x00\x00\x12",
+        53);
+    const QString path = DefaultPreferencesStorePath();
+    QDir().mkpath(QFileInfo(path).path());
+    ASSERT_TRUE(WriteFileBytes(path, damaged));
+
+    const Result read = run({u"read"_s});
+    EXPECT_EQ(read.status, 0);
+    EXPECT_EQ(read.out, u"{}\n"_s);
+    EXPECT_EQ(read.err.count(u'\n'), 1) << qPrintable(read.err);
+    EXPECT_TRUE(read.err.startsWith(u"horalo: the settings file '"_s)) << qPrintable(read.err);
+    EXPECT_EQ(ReadFileBytes(path), damaged);
+
+    const Result written = run({u"write"_s, u"k"_s, u"-int"_s, u"1"_s});
+    EXPECT_EQ(written.status, 0);
+    EXPECT_EQ(written.err.count(u'\n'), 1) << qPrintable(written.err);
+    EXPECT_TRUE(written.err.contains(u"is kept as '"_s)) << qPrintable(written.err);
+    const QStringList aside = QDir(QFileInfo(path).path()).entryList({u"*.corrupt"_s}, QDir::Files);
+    ASSERT_EQ(aside.size(), 1);
+    EXPECT_EQ(ReadFileBytes(QFileInfo(path).path() + u'/' + aside.first()), damaged);
+    EXPECT_EQ(run({u"read"_s, u"k"_s}).out, u"1\n"_s);
+}
+
+TEST_F(DefaultsCommandTest, AWriteThatWouldAlterAnotherKeyIsRefusedNamingIt)
+{
+    // {"\x01": 1} in binary form: XML cannot carry that key.
+    BinaryPlistBuilder plist;
+    const int key = plist.add(plist.ascii("\x01"));
+    const int value = plist.add(plist.integer(1));
+    const QByteArray binary = plist.build(plist.add(plist.dictionary({{key, value}})));
+    const QString path = DefaultPreferencesStorePath();
+    QDir().mkpath(QFileInfo(path).path());
+    ASSERT_TRUE(WriteFileBytes(path, binary));
+
+    const Result result = run({u"write"_s, u"k"_s, u"-int"_s, u"2"_s});
+    EXPECT_EQ(result.status, 1);
+    EXPECT_EQ(result.err, u"horalo: the settings file holds the key '\\x01', whose name or value "
+                          "cannot be written back as it is; nothing was written\n"_s);
+    EXPECT_EQ(ReadFileBytes(path), binary);
+    EXPECT_EQ(run({u"read"_s}).out, u"{\n    \"\\U0001\" = 1;\n}\n"_s);
 }
 
 TEST_F(DefaultsCommandTest, DeleteRemovesOnlyItsKey)

@@ -1,0 +1,184 @@
+// The binary settings reader against well-formed lists and the ways a file can lie.
+
+#include "platform/store/BinaryPropertyListReader.h"
+
+#include "BinaryPlistBuilder.h"
+#include "platform/store/PropertyList.h"
+
+#include <QDateTime>
+
+#include <gtest/gtest.h>
+
+namespace {
+
+using namespace Qt::StringLiterals;
+
+std::optional<QVariant> Read(const QByteArray &bytes)
+{
+    return BinaryPropertyListReader(bytes).read();
+}
+
+// {"é\0": 1}, exactly as Python's plistlib writes it: a UTF-16 key holding U+0000.
+const QByteArray kNulInUtf16Key(
+    "\x62\x70\x6c\x69\x73\x74\x30\x30\xd1\x01\x02\x62\x00\xe9\x00\x00\x10\x01\x08\x0b\x10\x00\x00"
+    "\x00\x00\x00\x00\x01\x01\x00\x00\x00\x00\x00\x00\x00\x03\x00\x00\x00\x00\x00\x00\x00\x00\x00"
+    "\x00\x00\x00\x00\x00\x00\x12",
+    53);
+
+// A chain of `depth` one-element arrays around an integer.
+QByteArray NestedArrays(int depth)
+{
+    BinaryPlistBuilder plist(4);
+    for (int i = 0; i < depth; ++i)
+        plist.add(plist.array({i + 1}));
+    plist.add(plist.integer(7));
+    return plist.build(0);
+}
+
+TEST(BinaryPropertyListReader, ReadsEveryKindOfValue)
+{
+    BinaryPlistBuilder plist;
+    const int root = plist.reserve();
+    QList<QPair<int, int>> entries;
+    const auto entry = [&](const QByteArray &key, const QByteArray &value) {
+        entries.append({plist.add(plist.ascii(key)), plist.add(value)});
+    };
+    entry("byte", QByteArray("\x10\xff", 2));
+    entry("short", QByteArray("\x11\xff\xfe", 3));
+    entry("negative", plist.integer(-5));
+    entry("huge", QByteArray("\x14", 1) + QByteArray(8, '\0') + QByteArray(8, '\xff'));
+    entry("float", QByteArray("\x22\x3f\xc0\x00\x00", 5));
+    entry("date", QByteArray("\x33\xc1\x7e\x28\x50\x10\x00\x00\x00", 9)); // 1999-12-31T23:59:59Z
+    entry("data", QByteArray("\x43\x00\x01\xff", 4));
+    entry("uid", QByteArray("\x80\x2a", 2));
+    entry("long text", plist.utf16(u"a fifteen+ char string with é and \U0001F600"_s));
+    entry("controls", plist.ascii("tab\there\x01"));
+    plist.set(root, plist.dictionary(entries));
+
+    const std::optional<QVariant> value = Read(plist.build(root));
+    ASSERT_TRUE(value);
+    const QVariantMap map = value->toMap();
+    EXPECT_EQ(map.value(u"byte"_s), QVariant(qlonglong(255)));
+    EXPECT_EQ(map.value(u"short"_s), QVariant(qlonglong(65534)));
+    EXPECT_EQ(map.value(u"negative"_s), QVariant(qlonglong(-5)));
+    EXPECT_EQ(map.value(u"huge"_s), QVariant(std::numeric_limits<qulonglong>::max()));
+    EXPECT_EQ(map.value(u"float"_s), QVariant(1.5));
+    EXPECT_EQ(map.value(u"date"_s), QVariant(QDateTime::fromSecsSinceEpoch(946684799, Qt::UTC)));
+    EXPECT_EQ(map.value(u"data"_s), QVariant(QByteArray("\0\1\xff", 3)));
+    EXPECT_EQ(map.value(u"uid"_s), QVariant(QVariantMap{{u"CF$UID"_s, qlonglong(42)}}));
+    EXPECT_EQ(map.value(u"long text"_s),
+              QVariant(u"a fifteen+ char string with é and \U0001F600"_s));
+    EXPECT_EQ(map.value(u"controls"_s), QVariant(u"tab\there\u0001"_s))
+        << "kept for the writer to refuse, not dropped or altered here";
+}
+
+TEST(BinaryPropertyListReader, NestingUpToTheLimitAndNotOneLevelMore)
+{
+    constexpr int limit = BinaryPropertyListReader::kMaxDepth;
+    EXPECT_TRUE(Read(NestedArrays(limit)));
+    EXPECT_FALSE(Read(NestedArrays(limit + 1)));
+    // Deep enough to overflow a recursive reader's stack: refused at once, not followed down.
+    EXPECT_FALSE(Read(NestedArrays(100000)));
+}
+
+TEST(BinaryPropertyListReader, RefusesCyclesAndExplodingSharing)
+{
+    BinaryPlistBuilder self;
+    const int array = self.reserve();
+    self.set(array, self.array({array}));
+    EXPECT_FALSE(Read(self.build(array)));
+
+    BinaryPlistBuilder loop;
+    const int dict = loop.reserve();
+    const int list = loop.add(loop.array({dict}));
+    loop.set(dict, loop.dictionary({{loop.add(loop.ascii("k")), list}}));
+    EXPECT_FALSE(Read(loop.build(dict)));
+
+    // Sixty levels of two references to the next level: 2^60 values if followed naively.
+    BinaryPlistBuilder shared;
+    for (int i = 0; i < 60; ++i)
+        shared.add(shared.array({i + 1, i + 1}));
+    shared.add(shared.integer(1));
+    EXPECT_FALSE(Read(shared.build(0)));
+
+    // Sharing within the budget is fine: one string used twice.
+    BinaryPlistBuilder fine;
+    const int text = fine.add(fine.ascii("%Y"));
+    EXPECT_EQ(Read(fine.build(fine.add(fine.array({text, text})))),
+              QVariant(QVariantList{u"%Y"_s, u"%Y"_s}));
+}
+
+TEST(BinaryPropertyListReader, RefusesBrokenStringsAndKeys)
+{
+    const auto dictionaryWithKey = [](const QByteArray &key) {
+        BinaryPlistBuilder plist;
+        const int k = plist.add(key);
+        const int v = plist.add(plist.integer(1));
+        return Read(plist.build(plist.add(plist.dictionary({{k, v}}))));
+    };
+    EXPECT_TRUE(dictionaryWithKey(BinaryPlistBuilder().ascii("fine")));
+    EXPECT_FALSE(Read(kNulInUtf16Key));
+    EXPECT_FALSE(dictionaryWithKey(BinaryPlistBuilder().ascii(QByteArray("cut\0short", 9))));
+    EXPECT_FALSE(dictionaryWithKey(BinaryPlistBuilder().ascii("caf\xe9")));
+    EXPECT_FALSE(dictionaryWithKey(BinaryPlistBuilder().utf16(QString(QChar(0xD83D)) + u'x')));
+    EXPECT_FALSE(dictionaryWithKey(BinaryPlistBuilder().utf16(QString(QChar(0xDE00)))));
+    EXPECT_FALSE(dictionaryWithKey(BinaryPlistBuilder().integer(3))) << "keys are strings";
+
+    BinaryPlistBuilder twice;
+    const int a = twice.add(twice.ascii("a"));
+    const int again = twice.add(twice.utf16(u"a"_s));
+    const int one = twice.add(twice.integer(1));
+    EXPECT_FALSE(Read(twice.build(twice.add(twice.dictionary({{a, one}, {again, one}})))))
+        << "two entries under one key: a write would lose one";
+}
+
+TEST(BinaryPropertyListReader, RefusesEveryOffsetAndCountThatPointsOutside)
+{
+    BinaryPlistBuilder plist;
+    const int text = plist.add(plist.ascii("hello"));
+    const int root = plist.add(plist.array({text}));
+    const QByteArray good = plist.build(root);
+    ASSERT_TRUE(Read(good));
+
+    const qsizetype trailer = good.size() - 32;
+    const auto patched = [&](qsizetype at, const QByteArray &bytes) {
+        QByteArray copy = good;
+        copy.replace(at, bytes.size(), bytes);
+        return copy;
+    };
+    using B = BinaryPlistBuilder;
+    EXPECT_FALSE(Read(good.left(good.size() - 1))) << "cut short";
+    EXPECT_FALSE(Read(patched(0, "bplist01")));
+    EXPECT_FALSE(Read(patched(trailer + 6, QByteArray(1, '\0')))) << "offset size 0";
+    EXPECT_FALSE(Read(patched(trailer + 7, QByteArray(1, '\x09')))) << "reference size 9";
+    EXPECT_FALSE(Read(patched(trailer + 8, B::bigEndian(0, 8)))) << "no objects";
+    EXPECT_FALSE(Read(patched(trailer + 8, B::bigEndian(~0ULL, 8)))) << "more objects than bytes";
+    EXPECT_FALSE(Read(patched(trailer + 16, B::bigEndian(2, 8)))) << "root beyond the objects";
+    EXPECT_FALSE(Read(patched(trailer + 24, B::bigEndian(~0ULL, 8)))) << "table beyond the end";
+    EXPECT_FALSE(Read(patched(trailer + 24, B::bigEndian(3, 8)))) << "table inside the header";
+    // The offset table: an object said to start inside the header, or inside the table.
+    const qsizetype table = trailer - 2;
+    EXPECT_FALSE(Read(patched(table, QByteArray(1, '\x02'))));
+    EXPECT_FALSE(Read(patched(table, QByteArray(1, char(table)))));
+    // The array's reference, and the string's length, beyond what there is.
+    EXPECT_FALSE(Read(patched(table - 1, QByteArray(1, '\x07'))));
+    EXPECT_FALSE(Read(patched(8, QByteArray(1, '\x5e'))));
+    EXPECT_FALSE(Read(patched(8, QByteArray("\x5f\x10\x7f", 3)))) << "a long count, too long";
+    EXPECT_FALSE(Read(patched(8, QByteArray("\x5f\x50\x01", 3)))) << "a count that is no integer";
+    // Markers the store has no value for: null, fill, an unknown type.
+    for (const char marker : {'\x00', '\x0f', '\x70', '\xe0', '\xf0'})
+        EXPECT_FALSE(Read(patched(8, QByteArray(1, marker)))) << int(marker);
+}
+
+TEST(BinaryPropertyListReader, IsWhatTheStoreReadsForBinaryFiles)
+{
+    BinaryPlistBuilder plist;
+    const int key = plist.add(plist.ascii("k"));
+    const int value = plist.add(plist.integer(5));
+    const QByteArray bytes = plist.build(plist.add(plist.dictionary({{key, value}})));
+    EXPECT_EQ(ParsePropertyList(bytes), QVariant(QVariantMap{{u"k"_s, qlonglong(5)}}));
+    EXPECT_FALSE(ParsePropertyList(NestedArrays(100000)));
+    EXPECT_FALSE(ParsePropertyList(kNulInUtf16Key));
+}
+
+} // namespace
