@@ -5,6 +5,7 @@
 #include "app/cli/RenderCommand.h"
 #include "app/cli/SessionCommands.h"
 #include "app/cli/TerminalText.h"
+#include "app/cli/TimeArgument.h"
 #include "platform/Version.h"
 
 #include <QCommandLineParser>
@@ -59,7 +60,8 @@ QString GeneralHelp()
             u"  --version     print the version\n"
             u"\n"
             u"TIME is ISO 8601 with an offset or Z (2006-03-10T14:31:47-05:00), or @SECONDS "
-            u"since 1970.\n"_s;
+            u"since 1970, within "_s +
+            kTimeArgumentRange + u".\n"_s;
     return help;
 }
 

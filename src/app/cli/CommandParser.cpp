@@ -52,7 +52,8 @@ void CommandParser::addTimeOptions()
     m_timeOptions = true;
     m_parser.addOption({kNow,
                         QStringLiteral("Take TIME as the current time: ISO 8601 with an offset or "
-                                       "Z, or @SECONDS since 1970."),
+                                       "Z, or @SECONDS since 1970, within ") +
+                            kTimeArgumentRange + u'.',
                         QStringLiteral("TIME")});
     m_parser.addOption({kAt, QStringLiteral("Show TIME as if it were picked in the chooser."),
                         QStringLiteral("TIME")});

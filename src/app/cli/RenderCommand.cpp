@@ -121,7 +121,9 @@ int RunSinceCommand(const QStringList &args, QTextStream &out, QTextStream &err)
     CommandParser parser({u"since [options] TIME"_s},
                          u"Says how long ago TIME was, or how far ahead it lies, as the chooser's "
                          u"lines do: \"10 months, 2 weeks\"."_s);
-    parser.addArgument(u"TIME"_s, u"ISO 8601 with an offset or Z, or @SECONDS since 1970."_s);
+    parser.addArgument(u"TIME"_s,
+                       u"ISO 8601 with an offset or Z, or @SECONDS since 1970, within "_s +
+                           kTimeArgumentRange + u'.');
     parser.addOption({u"depth"_s, u"Name at most N units, largest first."_s, u"N"_s});
     parser.addOption(
         {u"unit"_s, u"Count in one unit: 1 seconds, 2 minutes, ... 7 years."_s, u"N"_s});

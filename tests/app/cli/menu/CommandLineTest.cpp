@@ -3,11 +3,13 @@
 // can be reached (these tests have no session bus).
 
 #include "app/cli/Cli.h"
+#include "app/cli/TimeArgument.h"
 #include "platform/Version.h"
 #include "support/QtPrinters.h"
 
 #include <QJsonDocument>
 #include <QJsonObject>
+#include <QRegularExpression>
 
 #include <gtest/gtest.h>
 
@@ -125,6 +127,32 @@ TEST(CommandLine, BadInputIsOneLineAndStatusTwo)
     // The name is checked before any Horalo is asked.
     ExpectBadInput(Horalo(
         {QStringLiteral("copy"), QStringLiteral("numerical date"), QStringLiteral("--clipboard")}));
+}
+
+TEST(CommandLine, TheTimeRangeTheHelpStatesIsTheRangeTaken)
+{
+    const QString help = Horalo({QStringLiteral("--help")}).out;
+    const QRegularExpressionMatch range =
+        QRegularExpression(QStringLiteral("TIME is .*within .*\\((\\S+) to (\\S+)\\)")).match(help);
+    ASSERT_TRUE(range.hasMatch()) << help.toStdString();
+    EXPECT_TRUE(Horalo({QStringLiteral("render"), QStringLiteral("--help")})
+                    .out.contains(range.captured(1)));
+
+    const auto render = [](const QString &now) {
+        return Horalo(
+            {QStringLiteral("render"), QStringLiteral("--now"), now, QStringLiteral("Long Date")});
+    };
+    const auto unixSeconds = [](const QString &time) {
+        return qint64(ParseTimeArgument(time).value() + kAbsoluteTimeIntervalSince1970);
+    };
+    for (const auto &[end, beyond] :
+         {std::pair{range.captured(1), qint64(-1)}, std::pair{range.captured(2), qint64(1)}}) {
+        const Result inside = render(end);
+        EXPECT_EQ(inside.status, 0) << end.toStdString() << ": " << inside.err.toStdString();
+        EXPECT_FALSE(inside.out.trimmed().isEmpty()) << end.toStdString();
+        const QString outside = u'@' + QString::number(unixSeconds(end) + beyond);
+        ExpectBadInput(render(outside));
+    }
 }
 
 TEST(CommandLine, CommandsForTheRunningHoraloSayWhenNoneCanBeReached)
