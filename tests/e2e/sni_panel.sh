@@ -38,10 +38,12 @@ fail() {
   exit 1
 }
 
-display=":$((90 + RANDOM % 400))"
-Xvfb "$display" -screen 0 1024x600x24 -nolisten tcp >"$work/xvfb.log" 2>&1 &
-export DISPLAY="$display"
-for _ in $(seq 50); do xdpyinfo >/dev/null 2>&1 && break; sleep 0.1; done
+# The server picks a free display number and writes it once it listens.
+mkfifo "$work/displayfd"
+exec {displayfd}<>"$work/displayfd"
+Xvfb -displayfd "$displayfd" -screen 0 1024x600x24 -nolisten tcp >"$work/xvfb.log" 2>&1 &
+read -r -t 20 -u "$displayfd" display_number || fail "Xvfb did not start"
+export DISPLAY=":$display_number"
 
 # One panel along the top edge, 32 pixels high, holding only the indicator plugin.
 conf="$XDG_CONFIG_HOME/xfce4/xfconf/xfce-perchannel-xml"
@@ -81,7 +83,8 @@ sleep 1 # the panel draws its plugin
 
 # A title that changes every second, set the way a user would, in this fresh home.
 "$horalo" defaults write menuTitleFormatter -string "%H:%M:%S"
-dbus-monitor --session "type='method_call',path='/MenuBar'" >"$work/monitor.log" 2>&1 &
+dbus-monitor --session "type='method_call',path='/MenuBar'" "type='signal',path='/MenuBar'" \
+  >"$work/monitor.log" 2>&1 &
 "$horalo" >"$work/horalo.log" 2>&1 &
 horalo_pid=$!
 
@@ -103,6 +106,59 @@ done
 icon=$(host_entry | sed -E "s/^\('([^']*)'.*/\1/")
 echo "host: icon '$icon', label '$label'"
 [[ "$icon" == horalo || ( "$icon" == /* && -s "$icon" ) ]] || fail "icon '$icon' is neither the theme icon nor a file"
+
+# For 20 s, each new label with the time it reached the bus: every label must show the second
+# it arrives in, one label per second, none repeated or skipped, and land early in its second.
+dbus-monitor --session "type='signal',member='XAyatanaNewLabel'" >"$work/labels.log" 2>&1 &
+labels_pid=$!
+sleep 20.5
+kill "$labels_pid"
+wait "$labels_pid" 2>/dev/null || true
+/usr/bin/python3 - "$work/labels.log" "$out/title-lag.txt" <<'PY' || fail "the title did not keep time"
+import re, sys, time
+arrivals = []  # (arrival time, the label's second of the day)
+when = None
+for line in open(sys.argv[1]):
+    m = re.match(r"signal time=([0-9.]+) .*member=XAyatanaNewLabel", line)
+    if m:
+        when = float(m.group(1))
+        continue
+    m = re.match(r'\s+string "([0-9]{2}):([0-9]{2}):([0-9]{2})"', line)
+    if m and when is not None:
+        h, mi, s = (int(g) for g in m.groups())
+        arrivals.append((when, h * 3600 + mi * 60 + s))
+        when = None
+problems, lags = [], []
+previous = None
+for t, shown in arrivals:
+    local = time.localtime(int(t))
+    now = local.tm_hour * 3600 + local.tm_min * 60 + local.tm_sec
+    lag = (now - shown) % 86400 + t % 1
+    lags.append(lag)
+    label = time.strftime("%H:%M:%S", time.gmtime(shown))
+    if lag >= 1:
+        problems.append(f"{label} arrived {lag:.3f} s after its second began")
+    if previous is not None and (shown - previous) % 86400 != 1:
+        problems.append(f"{label} came after {time.strftime('%H:%M:%S', time.gmtime(previous))}")
+    previous = shown
+if len(arrivals) < 19:
+    problems.append(f"only {len(arrivals)} labels in 20 s")
+summary = "no labels"
+if lags:
+    ordered = sorted(lags)
+    median = ordered[len(ordered) // 2]
+    summary = (f"{len(lags)} labels; lag after the second: median {median * 1000:.1f} ms, "
+               f"worst {ordered[-1] * 1000:.1f} ms; each: " + " ".join(f"{x * 1000:.0f}" for x in lags))
+    # A timer out of phase with the clock is late by about the same amount every second; one on
+    # the second is late only by scheduling, which a loaded machine stretches now and then.
+    if median > 0.05:
+        problems.append("the median lag exceeds 50 ms")
+open(sys.argv[2], "w").write(summary + "\n")
+print("title timing:", summary)
+for problem in problems:
+    print("  ", problem)
+sys.exit(1 if problems else 0)
+PY
 
 # The item at the panel's left: its icon, then the label.
 shot_region() { convert "$1" -crop "$2" +repage "$3"; }
@@ -163,6 +219,63 @@ echo "clipboard: '$copied' (expected $expected_before)"
 [[ "$copied" == "$expected_before" || "$copied" == "$expected_after" ]] || fail "wrong clipboard"
 grep -Eq "member=Event(Group)?$" "$work/monitor.log" || fail "the click never reached Horalo"
 
+# The first opening after the menu's rows changed: a moment picked in the chooser adds its
+# lines. The host shows what it fetched last before asking for the new layout, so the rows
+# must already be there: the popup opens as tall as on a second opening, whole on the screen.
+menu_row_count() {
+  gdbus call --session --dest "$(host_entry | sed -E "s/.*'(org.kde.StatusNotifierItem-[0-9]+-[0-9]+)'.*/\1/")" \
+    --object-path /MenuBar --method com.canonical.dbusmenu.GetLayout -- 0 -1 '@as []' |
+    grep -o "([0-9]*, {" | wc -l
+}
+# The host's mapped popup menu, as "x y width height", from the window tree (without a window
+# manager the menu may cover the panel).
+popup_geometry() {
+  local id info
+  for id in $(xwininfo -root -children | grep -oE '^ +0x[0-9a-f]+' ); do
+    info=$(xwininfo -id "$id")
+    grep -q "Map State: IsViewable" <<<"$info" || continue
+    grep -q "Override Redirect State: yes" <<<"$info" || continue
+    local x y w h
+    x=$(sed -nE 's/.*Absolute upper-left X: +(-?[0-9]+)/\1/p' <<<"$info")
+    y=$(sed -nE 's/.*Absolute upper-left Y: +(-?[0-9]+)/\1/p' <<<"$info")
+    w=$(sed -nE 's/.*Width: +([0-9]+)/\1/p' <<<"$info")
+    h=$(sed -nE 's/.*Height: +([0-9]+)/\1/p' <<<"$info")
+    if ((h > 60)); then echo "$x $y $w $h"; return; fi
+  done
+}
+open_menu_geometry() {
+  local geometry=""
+  xdotool mousemove 13 16 click 1
+  for _ in $(seq 30); do
+    sleep 0.2
+    geometry=$(popup_geometry)
+    [[ -n "$geometry" ]] && break
+  done
+  sleep 0.5 # the menu has drawn
+  echo "$geometry"
+}
+rows_before=$(menu_row_count)
+gdbus call --session --dest org.horalo.Horalo --object-path /org/horalo/Horalo \
+  --method org.horalo.Horalo.ShowChooser >/dev/null || fail "the chooser did not open"
+xdotool search --sync --onlyvisible --name "^Date-Time Chooser$" >/dev/null
+sleep 1 # whatever the host does with the news of a change, it has done
+first=$(open_menu_geometry)
+import -window root "$out/sni-menu-first-opening.png"
+xdotool key Escape
+sleep 0.5
+second=$(open_menu_geometry)
+import -window root "$out/sni-menu-second-opening.png"
+xdotool key Escape
+rows_after=$(menu_row_count)
+echo "menu rows: $rows_before, then $rows_after with a moment picked"
+((rows_after > rows_before)) || fail "picking a moment did not add rows to the menu"
+echo "popup at the first opening: '$first'; at the second: '$second'"
+[[ -n "$first" && -n "$second" ]] || fail "no popup menu found"
+read -r _ first_y _ first_height <<<"$first"
+read -r _ _ _ second_height <<<"$second"
+((first_height == second_height)) || fail "the first opening is $first_height pixels high, the second $second_height"
+((first_y + first_height <= 600)) || fail "the menu runs off the screen"
+
 # The indicator service restarts (as with a panel restart): Horalo registers again and its
 # label is back beside its icon.
 kill "$service_pid"
@@ -184,4 +297,5 @@ shot_region "$out/sni-panel-restarted.png" 150x32+26+0 "$work/text3.png"
 text_spread=$(convert "$work/text3.png" -colorspace Gray -format "%[fx:standard_deviation]" info:)
 awk -v s="$text_spread" 'BEGIN { exit !(s > 0.05) }' || fail "no label drawn after the restart"
 echo "after the restart: label '$label'"
+cp "$work/monitor.log" "$out/dbusmenu-traffic.log"
 echo "screenshots: $out/sni-panel-1.png $out/sni-panel-2.png $out/sni-menu.png $out/sni-panel-restarted.png"

@@ -92,6 +92,28 @@ TEST_F(TitleRefresh, ChangesShowWithinASecondWithoutARebuild)
     EXPECT_EQ(controller.setupCount(), builds);
 }
 
+TEST_F(TitleRefresh, FollowsAClockSetBackAndAZoneChangeAtTheNextWholeSecond)
+{
+    platform.clock.set(kFriday + 0.4);
+    launch();
+    set(SettingsKey::MenuTitleFormatter, QStringLiteral("%H:%M:%S"));
+    Timer *const timer = controller.statusMenu().itemTitleTimer();
+    platform.timers.advance(0.6);
+    EXPECT_EQ(item().title(), QStringLiteral("14:31:48")) << "on the second, not 0.4 s late";
+
+    // Set back an hour in the middle of a second: the next tick is that second's end, not a
+    // whole second after the last tick, which would lie an hour ahead.
+    platform.clock.set(kFriday - 3600 + 0.7);
+    platform.timers.advance(0.3);
+    EXPECT_EQ(item().title(), QStringLiteral("13:31:48"));
+
+    setenv("TZ", "Asia/Tokyo", 1);
+    platform.timers.advance(1.0);
+    EXPECT_EQ(item().title(), QStringLiteral("03:31:49"));
+    EXPECT_EQ(controller.statusMenu().itemTitleTimer(), timer) << "one timer, never replaced";
+    EXPECT_TRUE(timer->isValid());
+}
+
 // --- copying ---
 
 class Copying : public ControllerFixture
