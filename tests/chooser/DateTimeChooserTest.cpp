@@ -150,6 +150,16 @@ TEST_F(Chooser, AStaleTimerChangesNothing)
     EXPECT_EQ(g_selectedDateTime, kFriday - 7 * kDay);
     platform.timers.fire(second);
     EXPECT_EQ(g_selectedDateTime, kFriday);
+
+    // Opened again with the live clock off: no clock of its own, and the earlier one is left
+    // running but no longer counts.
+    set(SettingsKey::DynamicDateTimeChooser, false);
+    controller.showCalendar(MenuItem());
+    EXPECT_EQ(timer(), nullptr);
+    EXPECT_TRUE(second->isValid());
+    picker().userChangesDateValue(kFriday - kDay);
+    platform.timers.fire(second);
+    EXPECT_EQ(g_selectedDateTime, kFriday - kDay);
 }
 
 TEST_F(Chooser, TheReferenceInstantBeepsOnOpeningOnly)

@@ -184,7 +184,10 @@ TEST_P(DamagedStoreTest, ReadsAsDefaultsAndIsKeptAsideBeforeTheNextWrite)
 
     PlistPreferencesStore store(m_path);
     EXPECT_TRUE(store.copyAllValues(kDomain).isEmpty());
-    store.appSynchronize(kDomain);
+    // Also when the unchanged file is not parsed again.
+    store.setTimestampGranularityForTesting(std::chrono::nanoseconds(0));
+    EXPECT_FALSE(store.appSynchronize(kDomain));
+    EXPECT_FALSE(store.appSynchronize(kDomain));
     EXPECT_EQ(ReadFileBytes(m_path), damaged) << "a read must leave the file alone";
 
     store.setAppValue(QStringLiteral("fresh"), 1, kDomain);

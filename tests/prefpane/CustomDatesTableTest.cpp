@@ -330,18 +330,56 @@ TEST_F(CustomDatesDrop, DraggingFromTheTopMovesAsExpected)
     EXPECT_EQ(deliveredBroadcasts(), 0);
 }
 
-TEST_F(CustomDatesDrop, DownwardDropFromBelowTheTopLandsEarly)
+// Where the rows land and which row stays selected, for drops that move something.
+TEST_F(CustomDatesDrop, RowsLandWhereTheirMovesPutThem)
 {
-    EXPECT_TRUE(drag({A, B, C, D, E, F}, {1, 2}, 5));
-    EXPECT_EQ(list(), (QStringList{A, D, B, C, E, F}));
-    EXPECT_EQ(selection(), (IndexSet{2, 3}));
-}
-
-TEST_F(CustomDatesDrop, SingleRowDownwardDropLandsEarly)
-{
-    EXPECT_TRUE(drag({A, B, C, D, E}, {1}, 4));
-    EXPECT_EQ(list(), (QStringList{A, C, B, D, E}));
-    EXPECT_EQ(selection(), IndexSet{2});
+    struct Case
+    {
+        const char *what;
+        QStringList formats;
+        IndexSet rows;
+        int dropRow;
+        QStringList result;
+        IndexSet selected;
+    };
+    const Case cases[] = {
+        {"a downward drop from below the top lands early",
+         {A, B, C, D, E, F},
+         {1, 2},
+         5,
+         {A, D, B, C, E, F},
+         {2, 3}},
+        {"one row dropped downward lands early", {A, B, C, D, E}, {1}, 4, {A, C, B, D, E}, {2}},
+        {"rows that are not adjacent move one by one",
+         {A, B, C, D, E},
+         {1, 3},
+         4,
+         {A, C, B, D, E},
+         {2}},
+        {"a drop just above the first row sends the rows to the top reversed",
+         {A, B, C, D, E},
+         {1, 2},
+         2,
+         {C, B, A, D, E},
+         {0, 1}},
+        {"a drop just below the only row sends it to the top",
+         {A, B, C, D, E},
+         {2},
+         2,
+         {C, A, B, D, E},
+         {0}},
+        {"the top row dropped at the end goes last", {A, B, C, D, E}, {0}, 5, {B, C, D, E, A}, {4}},
+        {"the top row dropped where it is stays", {A, B, C}, {0}, 0, {A, B, C}, {0}},
+        {"duplicates select the first equal row", {A, A, B, C}, {0, 1}, 4, {B, C, A, A}, {2}},
+        // F = 3, D = 1, T = -2: refused; the selection marks the first C.
+        {"a duplicate elsewhere captures the selection", {C, A, B, C}, {3}, 1, {C, A, B, C}, {0}},
+    };
+    for (const Case &c : cases) {
+        SCOPED_TRACE(c.what);
+        EXPECT_TRUE(drag(c.formats, c.rows, c.dropRow));
+        EXPECT_EQ(list(), c.result);
+        EXPECT_EQ(selection(), c.selected);
+    }
 }
 
 TEST_F(CustomDatesDrop, UpwardDropAboveTheFirstRowMovesNothing)
@@ -350,34 +388,6 @@ TEST_F(CustomDatesDrop, UpwardDropAboveTheFirstRowMovesNothing)
     EXPECT_EQ(list(), (QStringList{A, B, C, D, E}));
     EXPECT_EQ(selection(), (IndexSet{3, 4}));
     EXPECT_EQ(storeLog(), kWriteAndSync);
-}
-
-TEST_F(CustomDatesDrop, DropJustAboveTheFirstRowSendsTheRowsToTheTopReversed)
-{
-    EXPECT_TRUE(drag({A, B, C, D, E}, {1, 2}, 2));
-    EXPECT_EQ(list(), (QStringList{C, B, A, D, E}));
-    EXPECT_EQ(selection(), (IndexSet{0, 1}));
-}
-
-TEST_F(CustomDatesDrop, DropJustBelowTheOnlyRowSendsItToTheTop)
-{
-    EXPECT_TRUE(drag({A, B, C, D, E}, {2}, 2));
-    EXPECT_EQ(list(), (QStringList{C, A, B, D, E}));
-    EXPECT_EQ(selection(), IndexSet{0});
-}
-
-TEST_F(CustomDatesDrop, TopRowDroppedAtTheEndGoesLast)
-{
-    EXPECT_TRUE(drag({A, B, C, D, E}, {0}, 5));
-    EXPECT_EQ(list(), (QStringList{B, C, D, E, A}));
-    EXPECT_EQ(selection(), IndexSet{4});
-}
-
-TEST_F(CustomDatesDrop, TopRowDroppedWhereItIsStays)
-{
-    EXPECT_TRUE(drag({A, B, C}, {0}, 0));
-    EXPECT_EQ(list(), (QStringList{A, B, C}));
-    EXPECT_EQ(selection(), IndexSet{0});
 }
 
 TEST_F(CustomDatesDrop, OutOfRangeTargetsMoveNothingButSelectAndRewrite)
@@ -396,21 +406,6 @@ TEST_F(CustomDatesDrop, OutOfRangeTargetsMoveNothingButSelectAndRewrite)
     EXPECT_TRUE(table().userDragsRows({1}, std::numeric_limits<int>::min()));
     EXPECT_TRUE(table().userDragsRows({2}, std::numeric_limits<int>::max()));
     EXPECT_EQ(list(), (QStringList{A, B, C}));
-}
-
-TEST_F(CustomDatesDrop, DuplicatesSelectTheFirstEqualRow)
-{
-    EXPECT_TRUE(drag({A, A, B, C}, {0, 1}, 4));
-    EXPECT_EQ(list(), (QStringList{B, C, A, A}));
-    EXPECT_EQ(selection(), IndexSet{2});
-}
-
-TEST_F(CustomDatesDrop, DuplicateElsewhereCapturesTheSelection)
-{
-    EXPECT_TRUE(drag({C, A, B, C}, {3}, 1));
-    // F = 3, D = 1, T = -2: refused; the selection marks the first C.
-    EXPECT_EQ(list(), (QStringList{C, A, B, C}));
-    EXPECT_EQ(selection(), IndexSet{0});
 }
 
 TEST_F(CustomDatesDrop, DropOntoARowIsRefusedDuringValidation)

@@ -42,8 +42,13 @@ TEST_F(MenuConstruction, GroupsAndTheirSeparatorsFollowTheirSwitches)
                            QStringLiteral("mediumDateTime:"), QStringLiteral("longDateTime:"),
                            QStringLiteral("fullDateTime:")}));
 
-    set(SettingsKey::IncludeDateOnlyItems, true);
+    // Each group has its own switch: times without dates.
     set(SettingsKey::IncludeTimeOnlyItems, true);
+    item().openMenu();
+    EXPECT_TRUE(actions().contains(QStringLiteral("shortTime:")));
+    EXPECT_FALSE(actions().contains(QStringLiteral("shortDate:")));
+
+    set(SettingsKey::IncludeDateOnlyItems, true);
     item().openMenu();
     const QStringList all = actions();
     const qsizetype dates = all.indexOf(QStringLiteral("shortDate:"));
@@ -77,6 +82,12 @@ TEST_F(MenuConstruction, SymbolicNamesNameEveryGroupButNotCustomFormats)
         EXPECT_TRUE(lines.contains(QString::fromUtf8(name) + QLatin1Char('\t'))) << name;
     }
     EXPECT_TRUE(lines.contains(QStringLiteral("2006\tcustomDateFormatter:\t%Y")));
+
+    // Names change the texts only: the same entries and separators in the same places.
+    const QStringList named = actions();
+    set(SettingsKey::UseSymbolicNames, false);
+    item().openMenu();
+    EXPECT_EQ(named, actions());
 }
 
 TEST_F(MenuConstruction, CustomFormatsCarryTheirFormatAsToolTip)

@@ -72,7 +72,7 @@ TEST_F(TitleRefresh, HiddenOverrideWinsWhenItHasText)
     EXPECT_EQ(tick(), QStringLiteral("2007")) << "the override follows the picked moment";
     g_selectedDateTime = 0;
 
-    set(SettingsKey::MenuTitleFormatter, QString());
+    set(SettingsKey::MenuTitleFormatter, QStringLiteral(""));
     EXPECT_EQ(tick(), QStringLiteral("2006-03-10 14:31:47 -0500")) << "empty counts as unset";
     set(SettingsKey::MenuTitleFormatter, 2006);
     EXPECT_EQ(tick(), QStringLiteral("2006-03-10 14:31:47 -0500")) << "not a string: unset";

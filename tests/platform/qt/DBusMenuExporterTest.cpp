@@ -131,6 +131,7 @@ TEST_F(DBusMenuTest, ARebuildOutsideAnOpeningIsAnnouncedOnce)
 TEST_F(DBusMenuTest, ARebuildOfTheSameShapeAlsoSendsTheChangedLabels)
 {
     controller.numericalDate = QStringLiteral("20060311");
+    controller.customToolTip.clear();
     controller.menuNeedsUpdate(&controller.menu);
     ASSERT_TRUE(WaitFor([this] { return layoutUpdates() == 1; }));
     const QList<QDBusMessage> updates =
@@ -141,6 +142,11 @@ TEST_F(DBusMenuTest, ARebuildOfTheSameShapeAlsoSendsTheChangedLabels)
     EXPECT_EQ(changed.first().id, 4);
     EXPECT_EQ(changed.first().properties,
               QVariantMap({{QStringLiteral("label"), QStringLiteral("20060311")}}));
+    // A property gone is announced too, or hosts would keep showing the old one.
+    const auto removed = qdbus_cast<DBusMenuItemKeysList>(updates.first().arguments().at(1));
+    ASSERT_EQ(removed.size(), 1);
+    EXPECT_EQ(removed.first().id, 6);
+    EXPECT_EQ(removed.first().names, QStringList{QStringLiteral("accessible-desc")});
 
     // A rebuild that moves rows is only a new layout.
     host->clearSignals();

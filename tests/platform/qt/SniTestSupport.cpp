@@ -185,8 +185,7 @@ void RecordingController::menuNeedsUpdate(Menu *built)
     built->addItem(MenuItem::separatorItem());
     add(numericalDate, QStringLiteral("numericalDateNoHyphens:"));
     add(QStringLiteral("Fr, 10. M\u00e4rz 2006 \u2600"), QStringLiteral("fullDate:"));
-    add(QStringLiteral("2006_03_10"), QStringLiteral("customDateFormatter:"),
-        QStringLiteral("%Y_%m_%d"));
+    add(QStringLiteral("2006_03_10"), QStringLiteral("customDateFormatter:"), customToolTip);
     built->addItem(MenuItem::separatorItem());
     add(QStringLiteral("Quit"), QStringLiteral("selItemQuit:"));
 }

@@ -109,6 +109,8 @@ public:
     int builds = 0;
     // The text of "Numerical Date No Hyphens" at the next build.
     QString numericalDate = QStringLiteral("20060310");
+    // The custom format's tool tip (its format) at the next build; empty: none.
+    QString customToolTip = QStringLiteral("%Y_%m_%d");
     // Put an extra informational row at the top of the next builds.
     bool withChooserLines = false;
     QStringList performed; // "action title"
