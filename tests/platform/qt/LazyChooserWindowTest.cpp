@@ -3,6 +3,7 @@
 
 #include "platform/qt/LazyChooserWindow.h"
 
+#include "QtTestApplication.h"
 #include "platform/qt/QtPlatform.h"
 #include "support/QtPrinters.h"
 
@@ -16,26 +17,10 @@ namespace {
 // 2006-03-10 14:31:47 -0500.
 constexpr AbsoluteTime kFriday = 163711907.0;
 
-class LazyChooser : public ::testing::Test
+class LazyChooser : public WindowClosingTest
 {
 protected:
-    static void SetUpTestSuite()
-    {
-        static int argc = 1;
-        static char name[] = "horalo_lazy_chooser_test";
-        static char *argv[] = {name, nullptr};
-        if (!QApplication::instance())
-            new QApplication(argc, argv);
-    }
-
-    void SetUp() override
-    {
-        center.addWindowWillCloseObserver([this](Window *closing) { closed.append(closing); });
-    }
-
-    LocalWindowNotificationCenter center;
     LazyChooserWindow chooser{center};
-    QList<Window *> closed;
     int actions = 0;
 };
 

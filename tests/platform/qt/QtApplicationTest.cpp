@@ -1,6 +1,7 @@
 // The desktop application's end and its About panel: quitting is not a window's closing, and
 // the About panel's closing is.
 
+#include "QtTestApplication.h"
 #include "platform/qt/QtAboutPanel.h"
 #include "platform/qt/QtPlatform.h"
 #include "support/QtPrinters.h"
@@ -14,26 +15,10 @@
 
 namespace {
 
-class QtApplicationEnd : public ::testing::Test
+class QtApplicationEnd : public WindowClosingTest
 {
 protected:
-    static void SetUpTestSuite()
-    {
-        static int argc = 1;
-        static char name[] = "horalo_qt_application_test";
-        static char *argv[] = {name, nullptr};
-        if (!QApplication::instance())
-            new QApplication(argc, argv);
-    }
-
-    void SetUp() override
-    {
-        center.addWindowWillCloseObserver([this](Window *closing) { closed.append(closing); });
-    }
-
-    LocalWindowNotificationCenter center;
     QtApplication application{center};
-    QList<Window *> closed;
 };
 
 TEST_F(QtApplicationEnd, QuitHidesOpenWindowsWithoutAnnouncingTheirClosing)

@@ -1,6 +1,7 @@
 // The desktop's date-time chooser: a picker to the second whose action runs only for the user's
 // changes, and a window that floats and announces its closing.
 
+#include "QtTestApplication.h"
 #include "platform/qt/QtPlatform.h"
 #include "support/QtPrinters.h"
 
@@ -18,14 +19,7 @@ constexpr AbsoluteTime kFriday = 163711907.0;
 class QtChooser : public ::testing::Test
 {
 protected:
-    static void SetUpTestSuite()
-    {
-        static int argc = 1;
-        static char name[] = "horalo_qt_chooser_test";
-        static char *argv[] = {name, nullptr};
-        if (!QApplication::instance())
-            new QApplication(argc, argv);
-    }
+    static void SetUpTestSuite() { EnsureQApplication(); }
 
     void SetUp() override
     {

@@ -1,5 +1,6 @@
 // The desktop's timers: repeating, stoppable, and holding their fire under an open menu.
 
+#include "QtTestApplication.h"
 #include "platform/qt/QtPlatform.h"
 
 #include <QApplication>
@@ -29,14 +30,7 @@ void RunEventLoopFor(int milliseconds)
 class QtTimers : public ::testing::Test
 {
 protected:
-    static void SetUpTestSuite()
-    {
-        static int argc = 1;
-        static char name[] = "horalo_qt_timer_test";
-        static char *argv[] = {name, nullptr};
-        if (!QApplication::instance())
-            new QApplication(argc, argv);
-    }
+    static void SetUpTestSuite() { EnsureQApplication(); }
 
     QtTimerScheduler scheduler;
 };

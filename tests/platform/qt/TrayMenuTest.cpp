@@ -1,6 +1,7 @@
 // The tray's QMenu as drawn from the logic's menu: texts shown as they are, and a click on an
 // entry of a menu rebuilt since it was drawn choosing nothing rather than the wrong entry.
 
+#include "QtTestApplication.h"
 #include "platform/qt/QtPlatform.h"
 
 #include <QAction>
@@ -26,14 +27,7 @@ public:
 class TrayMenu : public ::testing::Test
 {
 protected:
-    static void SetUpTestSuite()
-    {
-        static int argc = 1;
-        static char name[] = "horalo_tray_menu_test";
-        static char *argv[] = {name, nullptr};
-        if (!QApplication::instance())
-            new QApplication(argc, argv);
-    }
+    static void SetUpTestSuite() { EnsureQApplication(); }
 
     void SetUp() override { menu.setTarget(&target); }
 
