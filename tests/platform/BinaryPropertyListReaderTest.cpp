@@ -101,6 +101,15 @@ TEST(BinaryPropertyListReader, RefusesCyclesAndExplodingSharing)
     shared.add(shared.integer(1));
     EXPECT_FALSE(Read(shared.build(0)));
 
+    // The budget counts the root and every element, each time it is used.
+    const auto sharedIntegers = [](qint64 count) {
+        BinaryPlistBuilder plist(2);
+        const int one = plist.add(plist.integer(1));
+        return Read(plist.build(plist.add(plist.array(QList<int>(count, one)))));
+    };
+    EXPECT_TRUE(sharedIntegers(BinaryPropertyListReader::kMaxValues - 1));
+    EXPECT_FALSE(sharedIntegers(BinaryPropertyListReader::kMaxValues));
+
     // Sharing within the budget is fine: one string used twice.
     BinaryPlistBuilder fine;
     const int text = fine.add(fine.ascii("%Y"));

@@ -388,6 +388,26 @@ TEST_F(PlistStoreTest, AKeyXmlCannotCarryRefusesTheWriteAndLeavesTheFileAlone)
     EXPECT_FALSE(store.copyAppValue(u"\u0007"_s, kDomain).isValid());
 }
 
+TEST_F(PlistStoreTest, AWriteThatWouldOutgrowWhatCanBeReadBackIsRefused)
+{
+    // One 512 KiB string of "&" used 15 times: within the reader's budget, but escaped in XML
+    // (&amp;) it would take 37 MiB, a file no later start could read.
+    BinaryPlistBuilder plist(2);
+    const int text = plist.add(plist.ascii(QByteArray(512 * 1024, '&')));
+    const int list = plist.add(plist.array(QList<int>(15, text)));
+    const int root = plist.add(plist.dictionary({{plist.add(plist.ascii("many")), list}}));
+    const QByteArray binary = plist.build(root);
+    QDir().mkpath(QFileInfo(m_path).path());
+    ASSERT_TRUE(WriteFileBytes(m_path, binary));
+
+    PlistPreferencesStore store(m_path);
+    ASSERT_EQ(store.copyAppValue(u"many"_s, kDomain).toList().size(), 15);
+    store.setAppValue(u"other"_s, true, kDomain);
+    EXPECT_FALSE(store.appSynchronize(kDomain));
+    EXPECT_TRUE(store.takeProblem().contains(u"more than 16 MiB"_s));
+    EXPECT_EQ(ReadFileBytes(m_path), binary);
+}
+
 TEST_F(PlistStoreTest, ASymlinkedStoreIsWrittenThroughAndStaysALink)
 {
     // As dotfile managers lay it out: the real file elsewhere, reached by a relative link, and

@@ -232,23 +232,30 @@ std::optional<QString> BinaryPropertyListReader::readString(quint64 object)
     if (!offset)
         return std::nullopt;
     const auto marker = static_cast<unsigned char>(m_bytes[qsizetype(*offset)]);
-    if (marker >> 4 == 0x5) {
-        const std::optional<Extent> text = extent(*offset, 1);
-        if (!text || !spend(0, qint64(text->count)))
-            return std::nullopt;
+    const bool ascii = marker >> 4 == 0x5;
+    if (!ascii && marker >> 4 != 0x6)
+        return std::nullopt;
+    const quint64 unitSize = ascii ? 1 : 2;
+    const std::optional<Extent> text = extent(*offset, unitSize);
+    // Every use counts against the budget, shared or not: the tree is that large for whoever
+    // walks it later.
+    if (!text || !spend(0, qint64(unitSize * text->count)))
+        return std::nullopt;
+    // A string used again is decoded once and shared, so that repeats cost no copy.
+    if (const auto known = m_strings.constFind(object); known != m_strings.cend())
+        return *known;
+
+    QString result;
+    if (ascii) {
         const QByteArrayView bytes =
             m_bytes.sliced(qsizetype(text->offset), qsizetype(text->count));
         for (const char c : bytes) {
             if (c == '\0' || static_cast<unsigned char>(c) >= 0x80)
                 return std::nullopt;
         }
-        return QString::fromLatin1(bytes);
-    }
-    if (marker >> 4 == 0x6) {
-        const std::optional<Extent> text = extent(*offset, 2);
-        if (!text || !spend(0, 2 * qint64(text->count)))
-            return std::nullopt;
-        QString result(qsizetype(text->count), Qt::Uninitialized);
+        result = QString::fromLatin1(bytes);
+    } else {
+        result = QString(qsizetype(text->count), Qt::Uninitialized);
         for (quint64 i = 0; i < text->count; ++i)
             result[qsizetype(i)] = QChar(char16_t(*unsignedAt(text->offset + 2 * i, 2)));
         // Surrogates come in pairs, high then low.
@@ -259,9 +266,9 @@ std::optional<QString> BinaryPropertyListReader::readString(quint64 object)
             else if (result.at(i).isSurrogate() || result.at(i).isNull())
                 return std::nullopt;
         }
-        return result;
     }
-    return std::nullopt;
+    m_strings.insert(object, result);
+    return result;
 }
 
 std::optional<QVariant> BinaryPropertyListReader::readArray(quint64 object, const Extent &items,

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <QByteArrayView>
+#include <QHash>
 #include <QVariant>
 
 #include <optional>
@@ -19,8 +20,10 @@ class BinaryPropertyListReader
 {
 public:
     static constexpr int kMaxDepth = 256;
-    static constexpr qint64 kMaxValues = 1 << 18;
-    static constexpr qint64 kMaxTextBytes = qint64(32) << 20;
+    // Far beyond any settings (5,000 custom formats take about 10,000 values), and small enough
+    // that reading, and walking what was read, stays within tens of milliseconds.
+    static constexpr qint64 kMaxValues = 1 << 16;
+    static constexpr qint64 kMaxTextBytes = qint64(8) << 20;
 
     explicit BinaryPropertyListReader(QByteArrayView bytes) : m_bytes(bytes) {}
 
@@ -56,5 +59,6 @@ private:
     quint64 m_offsetTable = 0;
     qint64 m_values = 0;
     qint64 m_textBytes = 0;
-    std::vector<bool> m_onPath; // the containers being read, to find a cycle
+    std::vector<bool> m_onPath;        // the containers being read, to find a cycle
+    QHash<quint64, QString> m_strings; // decoded strings by object, for shared ones
 };

@@ -492,6 +492,13 @@ bool PlistPreferencesStore::writePendingChanges()
         return fail(current.values);
     }
     const std::optional<QByteArray> xml = PropertyListToXml(merged);
+    // Text shared many times over in a binary list is written out each time: a file we could
+    // not read back would lose everything at the next start.
+    if (xml && xml->size() > kMaxStoreBytes) {
+        m_problem = QStringLiteral("the settings would take more than 16 MiB as XML; nothing was "
+                                   "written");
+        return fail(current.values);
+    }
     if (!xml || !WriteFileAtomically(*target, *xml, m_beforeRename)) {
         m_problem = QStringLiteral("cannot write the settings file '%1'").arg(*target);
         return fail(current.values);
