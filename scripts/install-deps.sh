@@ -32,6 +32,8 @@ test_pkgs=(
   # The installed files checked as desktops and shells read them, and the package installed
   # into a fresh Debian root.
   desktop-file-utils appstream man-db groff-base zsh fish lintian debootstrap
+  # scripts/fuzz.sh: the libFuzzer harnesses are built with clang and its runtime.
+  clang-14 libclang-rt-14-dev
 )
 
 want=("${build_pkgs[@]}")
