@@ -1,6 +1,7 @@
 #include "platform/qt/QtPlatform.h"
 
 #include "platform/Version.h"
+#include "platform/qt/IconCache.h"
 #include "platform/qt/QtAboutPanel.h"
 #include "platform/qt/QtWallClockSecondTimer.h"
 #include "platform/qt/sni/SniStatusItem.h"
@@ -11,7 +12,6 @@
 #include <QCursor>
 #include <QDBusConnectionInterface>
 #include <QFile>
-#include <QImageReader>
 #include <QKeyEvent>
 #include <QMimeData>
 #include <QScreen>
@@ -26,11 +26,13 @@ namespace {
 
 int g_trackedMenus = 0;
 
-class QtTimer final : public Timer
+// A QObject so that the scheduler's owner object can hold it: whatever is still scheduled when
+// the scheduler goes (the title timer, at exit) goes with it.
+class QtTimer final : public QObject, public Timer
 {
 public:
-    QtTimer(double interval, TimerScheduler::Callback callback)
-        : m_interval(interval), m_callback(std::move(callback))
+    QtTimer(double interval, TimerScheduler::Callback callback, QObject *owner)
+        : QObject(owner), m_interval(interval), m_callback(std::move(callback))
     {
         m_timer.setTimerType(interval < 0.5 ? Qt::PreciseTimer : Qt::CoarseTimer);
         m_timer.setInterval(static_cast<int>(interval * 1000.0 + 0.5));
@@ -47,7 +49,7 @@ public:
         m_valid = false;
         m_timer.stop();
         // Holders may still compare the pointer during the current event; delete afterwards.
-        QTimer::singleShot(0, [this] { delete this; });
+        deleteLater();
     }
     bool isValid() const override { return m_valid; }
     double timeInterval() const override { return m_interval; }
@@ -90,30 +92,22 @@ bool IsTrackingMenu()
 
 Timer *QtTimerScheduler::scheduleRepeatingTimer(double intervalSeconds, Callback callback)
 {
-    // The event loop owns the timer until it is invalidated, as the interface promises.
-    return new QtTimer(intervalSeconds, std::move(callback));
+    // Ours until it is invalidated, as the interface promises; deleted with us if it never is.
+    return new QtTimer(intervalSeconds, std::move(callback), &m_owner);
 }
 
 Timer *QtTimerScheduler::scheduleWallClockSecondTimer(Callback callback)
 {
-    return new QtWallClockSecondTimer(std::move(callback));
+    auto *timer = new QtWallClockSecondTimer(std::move(callback));
+    timer->setParent(&m_owner); // the title's timer: never invalidated, it goes with us at exit
+    return timer;
 }
 
 // --- icon ---
 
 QIcon LoadIconResource(const QString &imageName)
 {
-    QIcon icon;
-    QImageReader reader(QStringLiteral(":/") + imageName);
-    const int count = qMax(1, reader.imageCount());
-    for (int i = 0; i < count; ++i) {
-        if (i > 0 && !reader.jumpToNextImage())
-            break;
-        const QImage image = reader.read();
-        if (!image.isNull())
-            icon.addPixmap(QPixmap::fromImage(image));
-    }
-    return icon;
+    return IconCache::iconNamed(imageName);
 }
 
 // --- status item ---
@@ -153,7 +147,8 @@ TrayStatusItem::TrayStatusItem() : m_qmenu(std::make_unique<QMenu>())
     connect(&m_tray, &QSystemTrayIcon::activated, this, &TrayStatusItem::activated);
     m_tray.setContextMenu(m_qmenu.get());
     // The tray needs an icon to be shown at all; without one the menu could not be reached.
-    m_tray.setIcon(LoadIconResource(QStringLiteral("Horalo.tif")));
+    m_shownImage = QStringLiteral("Horalo.tif");
+    m_tray.setIcon(LoadIconResource(m_shownImage));
     m_tray.show();
 }
 
@@ -173,8 +168,11 @@ void TrayStatusItem::setImage(const QString &imageName)
     m_imageName = imageName;
     // A tray icon cannot be hidden without hiding the item, and it has no text to fall back on,
     // so "no image" keeps the icon: the clock must stay reachable.
-    if (!imageName.isEmpty())
+    // The menu sets the image at every opening: only a change is handed to the tray.
+    if (!imageName.isEmpty() && imageName != m_shownImage) {
+        m_shownImage = imageName;
         m_tray.setIcon(LoadIconResource(imageName));
+    }
 }
 
 void TrayStatusItem::aboutToShow()

@@ -27,9 +27,13 @@ class QtTimerScheduler final : public TimerScheduler
 public:
     Timer *scheduleRepeatingTimer(double intervalSeconds, Callback callback) override;
     Timer *scheduleWallClockSecondTimer(Callback callback) override;
+
+private:
+    QObject m_owner; // the parent of every timer not yet invalidated and deleted
 };
 
-// Loads the icon resource of a name as every size it holds (each page of a TIFF, say).
+// The icon resource of a name as every size it holds (each page of a TIFF, say), decoded once
+// per name: every call for a name returns the same icon.
 QIcon LoadIconResource(const QString &imageName);
 
 // Fills a QMenu with the entries of our menu model. Choosing one runs its action, unless the
@@ -72,6 +76,7 @@ private:
     Menu *m_menu = nullptr;
     QString m_title;
     QString m_imageName;
+    QString m_shownImage; // the icon's name: a "no image" keeps the last one
 };
 
 // The status item the logic holds for the whole run. It shows itself through our own

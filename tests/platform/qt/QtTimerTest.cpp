@@ -10,6 +10,8 @@
 
 #include <gtest/gtest.h>
 
+#include <memory>
+
 namespace {
 
 // Runs the event loop until done() holds or the time is up; returns done().
@@ -87,6 +89,35 @@ TEST_F(QtTimers, TheTitleTimerTicksOncePerWallClockSecondAfterItChanges)
     const qsizetype atInvalidation = seconds.size();
     RunEventLoopFor(1200);
     EXPECT_EQ(seconds.size(), atInvalidation);
+}
+
+// The title timer runs until the program ends and is never invalidated; the scheduler must not
+// leave it behind. What a callback captures is released with its timer.
+TEST_F(QtTimers, AreReleasedWhenInvalidatedOrWithTheirScheduler)
+{
+    auto invalidatedCapture = std::make_shared<int>(0);
+    auto repeatingCapture = std::make_shared<int>(0);
+    auto wallClockCapture = std::make_shared<int>(0);
+    const std::weak_ptr<int> invalidatedSeen = invalidatedCapture;
+    const std::weak_ptr<int> repeatingSeen = repeatingCapture;
+    const std::weak_ptr<int> wallClockSeen = wallClockCapture;
+    {
+        QtTimerScheduler ending;
+        Timer *invalidated =
+            ending.scheduleRepeatingTimer(0.01, [held = std::move(invalidatedCapture)](Timer *) {});
+        ending.scheduleRepeatingTimer(60, [held = std::move(repeatingCapture)](Timer *) {});
+        ending.scheduleWallClockSecondTimer([held = std::move(wallClockCapture)](Timer *) {});
+
+        invalidated->invalidate();
+        EXPECT_FALSE(invalidatedSeen.expired()) << "deleted during the invalidating event";
+        RunEventLoopFor(20);
+        QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
+        EXPECT_TRUE(invalidatedSeen.expired());
+        EXPECT_FALSE(repeatingSeen.expired());
+        EXPECT_FALSE(wallClockSeen.expired());
+    }
+    EXPECT_TRUE(repeatingSeen.expired());
+    EXPECT_TRUE(wallClockSeen.expired());
 }
 
 } // namespace
