@@ -13,7 +13,7 @@ if [[ "${1:-}" == "--sanitize" ]]; then
   export BUILD_TYPE=Debug
   export ASAN_OPTIONS="detect_leaks=1:abort_on_error=1"
   export UBSAN_OPTIONS="print_stacktrace=1:halt_on_error=1"
-  # Qt and fontconfig keep process-lifetime caches that LeakSanitizer would report.
+  # Fontconfig keeps a process-lifetime cache that LeakSanitizer would report (see the file).
   export LSAN_OPTIONS="suppressions=$root/scripts/lsan.supp:print_suppressions=0"
 fi
 BUILD_DIR="$build_dir" "$root/scripts/build.sh" "${extra[@]}"
