@@ -112,7 +112,7 @@ rss_kb() { awk '/^VmRSS:/ { print $2 }' "/proc/$1/status"; }
 # Resident memory split: anonymous (the heap, our own) and file-backed (code and data files,
 # shared with every other process mapping them).
 rss_split() { awk '/^RssAnon:/ { a = $2 } /^RssFile:/ { f = $2 } END { printf "%d+%d", a / 1024, f / 1024 }' "/proc/$1/status"; }
-cpu_ns() { cat /proc/"$1"/task/*/schedstat | awk '{ s += $1 } END { print s }'; }
+cpu_ns() { cat /proc/"$1"/task/*/schedstat | awk '{ s += $1 } END { printf "%.0f\n", s }'; }
 wakeups() { cat /proc/"$1"/task/*/status | awk '/^voluntary_ctxt_switches:/ { s += $2 } END { print s }'; }
 alive() { kill -0 "$horalo_pid" 2>/dev/null || fail "Horalo exited"; kill -0 "$bare_pid" 2>/dev/null || fail "the bare program exited"; }
 
