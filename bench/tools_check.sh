@@ -10,23 +10,13 @@ work="$(mktemp -d)"
 pids=()
 trap 'for p in "${pids[@]}"; do kill "$p" 2>/dev/null || true; done; wait 2>/dev/null || true; rm -rf "$work"' EXIT
 fail() { echo "FAIL: $*"; exit 1; }
+source "$(dirname "$0")/panel_host.sh"
 
-Xvfb -displayfd 3 -screen 0 640x480x24 -nolisten tcp 3>"$work/display" >/dev/null 2>&1 &
-pids+=($!)
-for _ in $(seq 100); do [[ -s "$work/display" ]] && break; sleep 0.1; done
-[[ -s "$work/display" ]] || fail "Xvfb did not start"
-export DISPLAY=":$(head -n1 "$work/display")" XDG_RUNTIME_DIR="$work/run"
+start_xvfb
+export XDG_RUNTIME_DIR="$work/run"
 mkdir -m 700 "$work/run"
 unset QT_QPA_PLATFORM
-
-"$build/bench/horalo_bench_watcher" "$work/items" &
-pids+=($!)
-for _ in $(seq 100); do
-  gdbus call --session --dest org.freedesktop.DBus --object-path /org/freedesktop/DBus \
-    --method org.freedesktop.DBus.NameHasOwner org.kde.StatusNotifierWatcher 2>/dev/null |
-    grep -q true && break
-  sleep 0.1
-done
+start_watcher "$build/bench/horalo_bench_watcher"
 
 "$build/bench/horalo_bare_tray" >/dev/null 2>&1 &
 small=$!

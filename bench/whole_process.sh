@@ -73,22 +73,10 @@ fail() {
   for log in "$work"/*.log; do echo "--- $log" >&2; tail -n 20 "$log" >&2; done
   exit 1
 }
+source "$root/bench/panel_host.sh"
 
-# The X server picks a free display itself and tells which.
-Xvfb -displayfd 3 -screen 0 1024x600x24 -nolisten tcp 3>"$work/display" >"$work/xvfb.log" 2>&1 &
-pids+=($!)
-for _ in $(seq 100); do [[ -s "$work/display" ]] && break; sleep 0.1; done
-[[ -s "$work/display" ]] || fail "Xvfb did not start"
-export DISPLAY=":$(head -n1 "$work/display")"
-
-"$watcher" "$work/items" >"$work/watcher.log" 2>&1 &
-pids+=($!)
-for _ in $(seq 100); do
-  gdbus call --session --dest org.freedesktop.DBus --object-path /org/freedesktop/DBus \
-    --method org.freedesktop.DBus.NameHasOwner org.kde.StatusNotifierWatcher 2>/dev/null |
-    grep -q true && break
-  sleep 0.1
-done
+start_xvfb
+start_watcher "$watcher"
 
 # A title that changes every second, like the bare program's tool tip; the chooser a live clock.
 "$horalo" defaults write menuTitleFormatter -string "%H:%M:%S"
