@@ -101,6 +101,29 @@ TEST_F(StoreWatcherTest, FilesRenamedIntoPlaceEditedInPlaceOrRemovedAreSeen)
     EXPECT_TRUE(reportsReach(3));
 }
 
+TEST_F(StoreWatcherTest, AStoreThatIsALinkIsFollowedIntoItsTargetsDirectory)
+{
+    // As dotfile managers keep it: the settings file is a link into a directory of their own,
+    // where writers replace the target by renames the link's directory never sees.
+    const QString dotfiles = m_dir.path() + QStringLiteral("/dotfiles");
+    ASSERT_TRUE(QDir().mkpath(dotfiles));
+    ASSERT_TRUE(QDir().mkpath(QFileInfo(m_path).absolutePath()));
+    const QString target = dotfiles + QStringLiteral("/horalo.plist");
+    ASSERT_TRUE(WriteFileBytes(target, R"(<?xml version="1.0" encoding="UTF-8"?>
+<plist version="1.0"><dict/></plist>
+)"));
+    ASSERT_TRUE(QFile::link(target, m_path));
+    startWatching();
+
+    for (int write = 1; write <= 3; ++write) {
+        writeElsewhere(QStringLiteral("IncludeDateOnlyItems"), write % 2 == 1);
+        ASSERT_TRUE(reportsReach(write)) << "write " << write;
+        ASSERT_TRUE(QFileInfo(m_path).isSymLink());
+    }
+    settle();
+    EXPECT_EQ(m_reports, 3);
+}
+
 TEST_F(StoreWatcherTest, CheckNowSeesAChangeBeforeTheEventLoopDoes)
 {
     startWatching();
