@@ -21,6 +21,7 @@ QWidget *CustomDateFormatDelegate::createEditor(QWidget *parent, const QStyleOpt
         // no keystroke.
         connect(lineEdit, &QLineEdit::textEdited, m_model,
                 [model = m_model, row](const QString &text) { model->setEditedFormat(row, text); });
+        m_openEditor = lineEdit;
     }
     return editor;
 }
@@ -29,6 +30,8 @@ void CustomDateFormatDelegate::destroyEditor(QWidget *editor, const QModelIndex 
 {
     // Committed or abandoned, the preview goes back to the stored format.
     m_model->clearEditedFormat();
+    if (editor == m_openEditor)
+        m_openEditor = nullptr;
     QStyledItemDelegate::destroyEditor(editor, index);
 }
 

@@ -7,9 +7,14 @@
 #include <QHeaderView>
 #include <QItemSelectionModel>
 #include <QKeyEvent>
+#include <QLineEdit>
+
+#include <optional>
+#include <utility>
 
 CustomDatesTableView::CustomDatesTableView(QWidget *parent)
-    : QTableView(parent), m_model(new CustomDatesTableModel(this, this))
+    : QTableView(parent), m_model(new CustomDatesTableModel(this, this)),
+      m_delegate(new CustomDateFormatDelegate(m_model, this))
 {
     setModel(m_model);
     setSelectionBehavior(QAbstractItemView::SelectRows);
@@ -30,8 +35,7 @@ CustomDatesTableView::CustomDatesTableView(QWidget *parent)
     horizontalHeader()->setHighlightSections(false);
     // Arrow keys move between cells; Tab leaves the table for the next control.
     setTabKeyNavigation(false);
-    setItemDelegateForColumn(CustomDatesTableModel::CustomDateFormatColumn,
-                             new CustomDateFormatDelegate(m_model, this));
+    setItemDelegateForColumn(CustomDatesTableModel::CustomDateFormatColumn, m_delegate);
 
     connect(selectionModel(), &QItemSelectionModel::selectionChanged, this,
             &CustomDatesTableView::notifySelectionChange);
@@ -46,9 +50,27 @@ void CustomDatesTableView::notifySelectionChange()
 
 void CustomDatesTableView::reloadData()
 {
+    // The list may change under an open editor (written by another program while the user
+    // types): the reset would close the editor and lose the typing, so it is opened again on
+    // the same row, when there still is one, with the text as the user left it.
+    std::optional<std::pair<int, QString>> typing;
+    if (const QLineEdit *editor = m_delegate->openEditor())
+        typing.emplace(currentIndex().row(), editor->text());
+
     const bool hadSelection = selectionModel()->hasSelection();
     m_selectionNotified = false;
     m_model->reload();
+
+    if (typing && typing->first >= 0 && typing->first < m_model->rowCount()) {
+        const QModelIndex cell =
+            m_model->index(typing->first, CustomDatesTableModel::CustomDateFormatColumn);
+        setCurrentIndex(cell);
+        edit(cell);
+        if (QLineEdit *editor = m_delegate->openEditor()) {
+            editor->setText(typing->second);
+            m_model->setEditedFormat(typing->first, typing->second);
+        }
+    }
     // A model reset empties the selection without telling anyone; the delete button must
     // still learn that nothing is selected any more.
     if (hadSelection && !m_selectionNotified)

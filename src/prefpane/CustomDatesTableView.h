@@ -7,6 +7,7 @@
 
 #include <QTableView>
 
+class CustomDateFormatDelegate;
 class CustomDatesTableModel;
 
 class CustomDatesTableView final : public QTableView, public TableView
@@ -36,6 +37,7 @@ private:
     void notifySelectionChange();
 
     CustomDatesTableModel *m_model;
+    CustomDateFormatDelegate *m_delegate;
     HoraloPrefPane *m_target = nullptr;
     bool m_selectionNotified = false;
 };

@@ -196,6 +196,44 @@ TEST_F(PreferencesWindowTest, InPlaceEditReachesTheStore)
     EXPECT_EQ(memory.distributedCenter.postCount(), 0);
 }
 
+TEST_F(PreferencesWindowTest, AListChangedElsewhereKeepsTheUsersTypingInItsRow)
+{
+    awake({QStringLiteral("%Y"), QStringLiteral("%m")});
+    window().makeKeyAndOrderFront();
+    const QModelIndex cell = model().index(1, 0);
+    view().setCurrentIndex(cell);
+    view().edit(cell);
+    auto *editor = view().viewport()->findChild<QLineEdit *>();
+    ASSERT_NE(editor, nullptr);
+    editor->selectAll();
+    QTest::keyClicks(editor, QStringLiteral("%H:"));
+
+    // Another program rewrites the list while the user types.
+    memory.store.setAppValue(
+        SettingsKey::CustomDates,
+        QVariantList{QStringLiteral("%d"), QStringLiteral("%m"), QStringLiteral("%j")},
+        AppIdentifier);
+    memory.storeWatcher.reportOutsideChange();
+    memory.storeWatcher.checkNow();
+    QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
+
+    ASSERT_EQ(model().rowCount(), 3);
+    EXPECT_EQ(model().data(model().index(0, 0)).toString(), QStringLiteral("%d"));
+    QLineEdit *const reopened = view().viewport()->findChild<QLineEdit *>();
+    ASSERT_NE(reopened, nullptr) << "the edit was closed by the reload";
+    EXPECT_EQ(reopened->text(), QStringLiteral("%H:"));
+    EXPECT_EQ(model().data(model().index(1, 1)).toString(), QStringLiteral("14:"));
+
+    // Committed, the typing lands in the list as it now stands.
+    QTest::keyClick(reopened, Qt::Key_Return);
+    QCoreApplication::processEvents();
+    QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
+    EXPECT_EQ(storedFormats(),
+              (QStringList{QStringLiteral("%d"), QStringLiteral("%H:"), QStringLiteral("%j")}));
+    EXPECT_EQ(view().viewport()->findChild<QLineEdit *>(), nullptr);
+    window().close();
+}
+
 // --- dragging ---
 
 TEST_F(PreferencesWindowTest, DragDataRoundTripsThroughTheDrop)
