@@ -95,6 +95,20 @@ protected:
     PreferencesWindow &window() { return *ui.window; }
     CustomDatesTableView &view() { return *ui.window->customDatesTableView(); }
     CustomDatesTableModel &model() { return *view().customDatesModel(); }
+    // Opens the format cell of a row in place and types over its text; null when no editor
+    // opened. The typing is not committed.
+    QLineEdit *typeInCell(int row, const QString &text)
+    {
+        const QModelIndex cell = model().index(row, 0);
+        view().setCurrentIndex(cell);
+        view().edit(cell);
+        auto *editor = view().viewport()->findChild<QLineEdit *>();
+        if (editor) {
+            editor->selectAll();
+            QTest::keyClicks(editor, text);
+        }
+        return editor;
+    }
     QModelIndexList rowIndexes(const QList<int> &rows)
     {
         QModelIndexList indexes;
@@ -179,15 +193,8 @@ TEST_F(PreferencesWindowTest, InPlaceEditReachesTheStore)
 {
     awake({QStringLiteral("%Y"), QStringLiteral("%m")});
     window().makeKeyAndOrderFront();
-    const QModelIndex cell = model().index(1, 0);
-    view().setCurrentIndex(cell);
-    view().edit(cell);
-    auto *editor = qobject_cast<QLineEdit *>(view().indexWidget(cell));
-    if (!editor)
-        editor = view().viewport()->findChild<QLineEdit *>();
+    QLineEdit *const editor = typeInCell(1, QStringLiteral("%H:%M"));
     ASSERT_NE(editor, nullptr);
-    editor->selectAll();
-    QTest::keyClicks(editor, QStringLiteral("%H:%M"));
     QTest::keyClick(editor, Qt::Key_Return);
     QCoreApplication::processEvents(); // the delegate commits on the next turn of the loop
 
@@ -200,13 +207,7 @@ TEST_F(PreferencesWindowTest, AListChangedElsewhereKeepsTheUsersTypingInItsRow)
 {
     awake({QStringLiteral("%Y"), QStringLiteral("%m")});
     window().makeKeyAndOrderFront();
-    const QModelIndex cell = model().index(1, 0);
-    view().setCurrentIndex(cell);
-    view().edit(cell);
-    auto *editor = view().viewport()->findChild<QLineEdit *>();
-    ASSERT_NE(editor, nullptr);
-    editor->selectAll();
-    QTest::keyClicks(editor, QStringLiteral("%H:"));
+    ASSERT_NE(typeInCell(1, QStringLiteral("%H:")), nullptr);
 
     // Another program rewrites the list while the user types.
     memory.store.setAppValue(
@@ -473,7 +474,6 @@ TEST_F(PreferencesWindowTest, PreviewFollowsEachKeystrokeAndTheListChangesOnlyOn
     awake({QStringLiteral("%Y"), QStringLiteral("%m")});
     window().makeKeyAndOrderFront();
     QApplication::setActiveWindow(&window());
-    const QModelIndex cell = model().index(1, 0);
     const QModelIndex preview = model().index(1, 1);
     QList<QString> seen;
     QObject::connect(&model(), &QAbstractItemModel::dataChanged, &model(),
@@ -482,12 +482,8 @@ TEST_F(PreferencesWindowTest, PreviewFollowsEachKeystrokeAndTheListChangesOnlyOn
                              seen.append(model().data(preview).toString());
                      });
 
-    view().setCurrentIndex(cell);
-    view().edit(cell);
-    auto *editor = view().viewport()->findChild<QLineEdit *>();
+    QLineEdit *editor = typeInCell(1, QStringLiteral("%H:"));
     ASSERT_NE(editor, nullptr);
-    editor->selectAll();
-    QTest::keyClicks(editor, QStringLiteral("%H:"));
     EXPECT_EQ(seen,
               (QList<QString>{QStringLiteral("%"), QStringLiteral("14"), QStringLiteral("14:")}));
     EXPECT_EQ(model().data(preview).toString(), QStringLiteral("14:"));
@@ -503,11 +499,8 @@ TEST_F(PreferencesWindowTest, PreviewFollowsEachKeystrokeAndTheListChangesOnlyOn
     QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
 
     // Tab commits and leaves the table for the control after it.
-    view().edit(cell);
-    editor = view().viewport()->findChild<QLineEdit *>();
+    editor = typeInCell(1, QStringLiteral("%M"));
     ASSERT_NE(editor, nullptr);
-    editor->selectAll();
-    QTest::keyClicks(editor, QStringLiteral("%M"));
     QTest::keyClick(editor, Qt::Key_Tab);
     QCoreApplication::processEvents();
     EXPECT_EQ(storedFormats(), (QStringList{QStringLiteral("%Y"), QStringLiteral("%M")}));
