@@ -1,8 +1,8 @@
 #include "app/AppController.h"
 
 #include "app/settings/Settings.h"
+#include "datetext/CopyActions.h"
 #include "datetext/DateText.h"
-#include "statusmenu/CopyActions.h"
 
 AppController::AppController(Platform &platform, ChooserInterface chooser,
                              Window *preferencesWindow)
@@ -59,41 +59,53 @@ bool AppController::validateMenuItem(const MenuItem &)
     return true;
 }
 
-void AppController::performAction(const QString &action, const MenuItem &sender)
+void AppController::performAction(MenuAction action, const MenuItem &sender)
 {
-    using Handler = void (AppController::*)(const MenuItem &);
-    static const struct
-    {
-        const char *action;
-        Handler handler;
-    } kActions[] = {
-        {"showCalendar:", &AppController::showCalendar},
-        {"selItemPreferences:", &AppController::selItemPreferences},
-        {"selItemAbout:", &AppController::selItemAbout},
-        {"selItemQuit:", &AppController::selItemQuit},
-        {"shortDate:", &AppController::shortDate},
-        {"mediumDate:", &AppController::mediumDate},
-        {"longDate:", &AppController::longDate},
-        {"fullDate:", &AppController::fullDate},
-        {"shortDateTime:", &AppController::shortDateTime},
-        {"mediumDateTime:", &AppController::mediumDateTime},
-        {"longDateTime:", &AppController::longDateTime},
-        {"fullDateTime:", &AppController::fullDateTime},
-        {"shortTime:", &AppController::shortTime},
-        {"mediumTime:", &AppController::mediumTime},
-        {"longTime:", &AppController::longTime},
-        {"fullTime:", &AppController::fullTime},
-        {"gmtDateTime:", &AppController::gmtDateTime},
-        {"numericalDate:", &AppController::numericalDate},
-        {"numericalDateTime:", &AppController::numericalDateTime},
-        {"numericalDateNoHyphens:", &AppController::numericalDateNoHyphens},
-        {"customDateFormatter:", &AppController::customDateFormatter},
-    };
-    for (const auto &entry : kActions) {
-        if (action == QLatin1String(entry.action)) {
-            (this->*entry.handler)(sender);
-            return;
-        }
+    switch (action) {
+    case MenuAction::None:
+        return;
+    case MenuAction::ShowCalendar:
+        return showCalendar(sender);
+    case MenuAction::SelItemPreferences:
+        return selItemPreferences(sender);
+    case MenuAction::SelItemAbout:
+        return selItemAbout(sender);
+    case MenuAction::SelItemQuit:
+        return selItemQuit(sender);
+    case MenuAction::ShortDate:
+        return shortDate(sender);
+    case MenuAction::MediumDate:
+        return mediumDate(sender);
+    case MenuAction::LongDate:
+        return longDate(sender);
+    case MenuAction::FullDate:
+        return fullDate(sender);
+    case MenuAction::ShortDateTime:
+        return shortDateTime(sender);
+    case MenuAction::MediumDateTime:
+        return mediumDateTime(sender);
+    case MenuAction::LongDateTime:
+        return longDateTime(sender);
+    case MenuAction::FullDateTime:
+        return fullDateTime(sender);
+    case MenuAction::ShortTime:
+        return shortTime(sender);
+    case MenuAction::MediumTime:
+        return mediumTime(sender);
+    case MenuAction::LongTime:
+        return longTime(sender);
+    case MenuAction::FullTime:
+        return fullTime(sender);
+    case MenuAction::GMTDateTime:
+        return gmtDateTime(sender);
+    case MenuAction::NumericalDate:
+        return numericalDate(sender);
+    case MenuAction::NumericalDateTime:
+        return numericalDateTime(sender);
+    case MenuAction::NumericalDateNoHyphens:
+        return numericalDateNoHyphens(sender);
+    case MenuAction::CustomDateFormatter:
+        return customDateFormatter(sender);
     }
 }
 
@@ -120,7 +132,7 @@ int AppController::putStringOnClipboard(const QByteArray &utf8)
     return PutStringOnClipboard(m_platform.clipboard, utf8);
 }
 
-std::optional<QByteArray> AppController::copy(const QString &action, const MenuItem &sender)
+std::optional<QByteArray> AppController::copy(MenuAction action, const MenuItem &sender)
 {
     std::optional<QByteArray> text = CopyTextForAction(m_platform.clock, action, sender);
     if (text && putStringOnClipboard(*text) != 0)

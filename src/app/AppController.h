@@ -32,45 +32,42 @@ public:
     // MenuDelegate, MenuTarget
     void menuNeedsUpdate(Menu *menu) override;
     bool validateMenuItem(const MenuItem &item) override;
-    void performAction(const QString &action, const MenuItem &sender) override;
+    void performAction(MenuAction action, const MenuItem &sender) override;
 
     void selItemPreferences(const MenuItem &sender);
     void selItemAbout(const MenuItem &sender);
     void selItemQuit(const MenuItem &sender);
 
     // The copy actions: each renders its format afresh and puts it on the clipboard.
-    void shortDate(const MenuItem &sender) { copy(QStringLiteral("shortDate:"), sender); }
-    void mediumDate(const MenuItem &sender) { copy(QStringLiteral("mediumDate:"), sender); }
-    void longDate(const MenuItem &sender) { copy(QStringLiteral("longDate:"), sender); }
-    void fullDate(const MenuItem &sender) { copy(QStringLiteral("fullDate:"), sender); }
-    void shortDateTime(const MenuItem &sender) { copy(QStringLiteral("shortDateTime:"), sender); }
-    void mediumDateTime(const MenuItem &sender) { copy(QStringLiteral("mediumDateTime:"), sender); }
-    void longDateTime(const MenuItem &sender) { copy(QStringLiteral("longDateTime:"), sender); }
-    void fullDateTime(const MenuItem &sender) { copy(QStringLiteral("fullDateTime:"), sender); }
-    void shortTime(const MenuItem &sender) { copy(QStringLiteral("shortTime:"), sender); }
-    void mediumTime(const MenuItem &sender) { copy(QStringLiteral("mediumTime:"), sender); }
-    void longTime(const MenuItem &sender) { copy(QStringLiteral("longTime:"), sender); }
-    void fullTime(const MenuItem &sender) { copy(QStringLiteral("fullTime:"), sender); }
-    void gmtDateTime(const MenuItem &sender) { copy(QStringLiteral("gmtDateTime:"), sender); }
-    void numericalDate(const MenuItem &sender) { copy(QStringLiteral("numericalDate:"), sender); }
-    void numericalDateTime(const MenuItem &sender)
-    {
-        copy(QStringLiteral("numericalDateTime:"), sender);
-    }
+    void shortDate(const MenuItem &sender) { copy(MenuAction::ShortDate, sender); }
+    void mediumDate(const MenuItem &sender) { copy(MenuAction::MediumDate, sender); }
+    void longDate(const MenuItem &sender) { copy(MenuAction::LongDate, sender); }
+    void fullDate(const MenuItem &sender) { copy(MenuAction::FullDate, sender); }
+    void shortDateTime(const MenuItem &sender) { copy(MenuAction::ShortDateTime, sender); }
+    void mediumDateTime(const MenuItem &sender) { copy(MenuAction::MediumDateTime, sender); }
+    void longDateTime(const MenuItem &sender) { copy(MenuAction::LongDateTime, sender); }
+    void fullDateTime(const MenuItem &sender) { copy(MenuAction::FullDateTime, sender); }
+    void shortTime(const MenuItem &sender) { copy(MenuAction::ShortTime, sender); }
+    void mediumTime(const MenuItem &sender) { copy(MenuAction::MediumTime, sender); }
+    void longTime(const MenuItem &sender) { copy(MenuAction::LongTime, sender); }
+    void fullTime(const MenuItem &sender) { copy(MenuAction::FullTime, sender); }
+    void gmtDateTime(const MenuItem &sender) { copy(MenuAction::GMTDateTime, sender); }
+    void numericalDate(const MenuItem &sender) { copy(MenuAction::NumericalDate, sender); }
+    void numericalDateTime(const MenuItem &sender) { copy(MenuAction::NumericalDateTime, sender); }
     void numericalDateNoHyphens(const MenuItem &sender)
     {
-        copy(QStringLiteral("numericalDateNoHyphens:"), sender);
+        copy(MenuAction::NumericalDateNoHyphens, sender);
     }
     // Reads the format back from the chosen entry's tool tip.
     void customDateFormatter(const MenuItem &sender)
     {
-        copy(QStringLiteral("customDateFormatter:"), sender);
+        copy(MenuAction::CustomDateFormatter, sender);
     }
     // Clears the clipboard and puts the UTF-8 bytes as its one item; 0 on success.
     int putStringOnClipboard(const QByteArray &utf8);
     // Runs a copy action as choosing its entry does, and tells what reached the clipboard:
     // nothing when the text cannot be produced or the clipboard refuses it.
-    std::optional<QByteArray> copy(const QString &action, const MenuItem &sender);
+    std::optional<QByteArray> copy(MenuAction action, const MenuItem &sender);
 
     void itemTitleTimerAction(Timer *timer) { m_statusMenu.itemTitleTimerAction(timer); }
 

@@ -1,7 +1,7 @@
 #include "app/SessionController.h"
 
+#include "datetext/CopyActions.h"
 #include "datetext/DateText.h"
-#include "statusmenu/CopyActions.h"
 
 SessionController::SessionController(AppController &controller, SessionService &session)
     : m_controller(controller), m_session(session)
@@ -50,23 +50,15 @@ void SessionController::showMenu(std::optional<QPoint> position)
 
 SessionRequests::CopyResult SessionController::copy(const QString &name)
 {
-    MenuItem sender;
-    sender.title = name;
-    if (name.startsWith(customFormatPrefix())) {
-        // A custom entry carries its format in its tool tip, and so does this one.
-        sender.action = QStringLiteral("customDateFormatter:");
-        sender.toolTip = name.mid(customFormatPrefix().size());
-    } else {
-        sender.action = CopyActionForMenuName(name);
-        if (sender.action.isEmpty())
-            return {CopyStatus::UnknownFormat, {}};
-    }
-    if (const std::optional<QByteArray> copied = m_controller.copy(sender.action, sender))
+    const std::optional<MenuItem> entry = CopyEntryForName(name);
+    if (!entry)
+        return {CopyStatus::UnknownFormat, {}};
+    if (const std::optional<QByteArray> copied = m_controller.copy(entry->action, *entry))
         return {CopyStatus::Copied, *copied};
     return {CopyStatus::NotRendered, {}};
 }
 
-void SessionController::runEntryAction(const QString &title, const QString &action)
+void SessionController::runEntryAction(const QString &title, MenuAction action)
 {
     // Choosing an entry always follows an opening of the menu, which ran the rebuild path (and
     // so stopped a ticking chooser); a request from outside gets the same.
@@ -79,15 +71,15 @@ void SessionController::runEntryAction(const QString &title, const QString &acti
 
 void SessionController::showChooser()
 {
-    runEntryAction(QStringLiteral("Date-Time Chooser"), QStringLiteral("showCalendar:"));
+    runEntryAction(QStringLiteral("Date-Time Chooser"), MenuAction::ShowCalendar);
 }
 
 void SessionController::showPreferences()
 {
-    runEntryAction(QStringLiteral("Preferences..."), QStringLiteral("selItemPreferences:"));
+    runEntryAction(QStringLiteral("Preferences..."), MenuAction::SelItemPreferences);
 }
 
 void SessionController::quit()
 {
-    runEntryAction(QStringLiteral("Quit"), QStringLiteral("selItemQuit:"));
+    runEntryAction(QStringLiteral("Quit"), MenuAction::SelItemQuit);
 }

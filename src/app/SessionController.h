@@ -23,12 +23,9 @@ public:
     void showPreferences() override;
     void quit() override;
 
-    // A copy request names a custom format by this prefix, followed by the format itself.
-    static QString customFormatPrefix() { return QStringLiteral("custom:"); }
-
 private:
     void titleWasSet(const QString &title);
-    void runEntryAction(const QString &title, const QString &action);
+    void runEntryAction(const QString &title, MenuAction action);
 
     AppController &m_controller;
     SessionService &m_session;

@@ -5,36 +5,37 @@
 namespace {
 using G = DateFormatGroup;
 using K = DateFormatKind;
+using A = MenuAction;
 
 constexpr std::array<CatalogueFormat, 16> kCatalogue = {{
-    {G::DateTime, u"Short Date-Time", u"Short Date Time", u"shortDateTime:", K::Styled, kShortStyle,
+    {G::DateTime, u"Short Date-Time", u"Short Date Time", A::ShortDateTime, K::Styled, kShortStyle,
      kShortStyle},
-    {G::DateTime, u"Medium Date-Time", u"Medium Date Time", u"mediumDateTime:", K::Styled,
+    {G::DateTime, u"Medium Date-Time", u"Medium Date Time", A::MediumDateTime, K::Styled,
      kMediumStyle, kMediumStyle},
-    {G::DateTime, u"Long Date-Time", u"Long Date Time", u"longDateTime:", K::Styled, kLongStyle,
+    {G::DateTime, u"Long Date-Time", u"Long Date Time", A::LongDateTime, K::Styled, kLongStyle,
      kLongStyle},
-    {G::DateTime, u"Full Date-Time", u"Full Date Time", u"fullDateTime:", K::Styled, kFullStyle,
+    {G::DateTime, u"Full Date-Time", u"Full Date Time", A::FullDateTime, K::Styled, kFullStyle,
      kFullStyle},
-    {G::DateOnly, u"Short Date", u"Short Date", u"shortDate:", K::Styled, kShortStyle, kNoStyle},
-    {G::DateOnly, u"Medium Date", u"Medium Date", u"mediumDate:", K::Styled, kMediumStyle,
-     kNoStyle},
-    {G::DateOnly, u"Long Date", u"Long Date", u"longDate:", K::Styled, kLongStyle, kNoStyle},
-    {G::DateOnly, u"Full Date", u"Full Date", u"fullDate:", K::Styled, kFullStyle, kNoStyle},
-    {G::TimeOnly, u"Short Time", u"", u"shortTime:", K::Styled, kNoStyle, kShortStyle},
-    {G::TimeOnly, u"Medium Time", u"", u"mediumTime:", K::Styled, kNoStyle, kMediumStyle},
-    {G::TimeOnly, u"Long Time", u"", u"longTime:", K::Styled, kNoStyle, kLongStyle},
-    {G::TimeOnly, u"Full Time", u"", u"fullTime:", K::Styled, kNoStyle, kFullStyle},
-    {G::Numerical, u"GMT Date Time", u"GMT", u"gmtDateTime:", K::GMTDateTime, kNoStyle, kNoStyle},
-    {G::Numerical, u"Numerical Date Time", u"", u"numericalDateTime:", K::NumericalDateTime,
+    {G::DateOnly, u"Short Date", u"Short Date", A::ShortDate, K::Styled, kShortStyle, kNoStyle},
+    {G::DateOnly, u"Medium Date", u"Medium Date", A::MediumDate, K::Styled, kMediumStyle, kNoStyle},
+    {G::DateOnly, u"Long Date", u"Long Date", A::LongDate, K::Styled, kLongStyle, kNoStyle},
+    {G::DateOnly, u"Full Date", u"Full Date", A::FullDate, K::Styled, kFullStyle, kNoStyle},
+    {G::TimeOnly, u"Short Time", u"", A::ShortTime, K::Styled, kNoStyle, kShortStyle},
+    {G::TimeOnly, u"Medium Time", u"", A::MediumTime, K::Styled, kNoStyle, kMediumStyle},
+    {G::TimeOnly, u"Long Time", u"", A::LongTime, K::Styled, kNoStyle, kLongStyle},
+    {G::TimeOnly, u"Full Time", u"", A::FullTime, K::Styled, kNoStyle, kFullStyle},
+    {G::Numerical, u"GMT Date Time", u"GMT", A::GMTDateTime, K::GMTDateTime, kNoStyle, kNoStyle},
+    {G::Numerical, u"Numerical Date Time", u"", A::NumericalDateTime, K::NumericalDateTime,
      kNoStyle, kNoStyle},
-    {G::Numerical, u"Numerical Date", u"", u"numericalDate:", K::NumericalDate, kNoStyle, kNoStyle},
-    {G::Numerical, u"Numerical Date No Hyphens", u"", u"numericalDateNoHyphens:",
+    {G::Numerical, u"Numerical Date", u"", A::NumericalDate, K::NumericalDate, kNoStyle, kNoStyle},
+    {G::Numerical, u"Numerical Date No Hyphens", u"", A::NumericalDateNoHyphens,
      K::NumericalDateNoHyphens, kNoStyle, kNoStyle},
 }};
 
+// An empty description has no date to cut from it, rather than one empty field.
 QStringList DescriptionFields(const QString &description)
 {
-    if (description.isNull())
+    if (description.isEmpty())
         return {};
     return description.split(QLatin1Char(' '));
 }

@@ -7,6 +7,7 @@
 // but "GMT" in the title list; both spellings are stored settings and must not be unified.
 
 #include "datetext/DateText.h"
+#include "platform/MenuAction.h"
 
 #include <QStringView>
 
@@ -35,7 +36,7 @@ struct CatalogueFormat
     DateFormatGroup group;
     QStringView menuName;
     QStringView titleName;
-    QStringView copyAction;
+    MenuAction copyAction;
     DateFormatKind kind;
     DateFormatterStyle dateStyle;
     DateFormatterStyle timeStyle;

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "platform/MenuAction.h"
+
 #include <QList>
 #include <QString>
 
@@ -12,7 +14,7 @@ class Menu;
 struct MenuItem
 {
     QString title;
-    QString action; // a selector name with its colon, such as "shortDate:"; empty for none
+    MenuAction action = MenuAction::None;
     QString keyEquivalent;
     QString toolTip;
     bool separator = false;
@@ -23,7 +25,7 @@ struct MenuItem
         item.separator = true;
         return item;
     }
-    bool hasAction() const { return !separator && !action.isEmpty(); }
+    bool hasAction() const { return !separator && action != MenuAction::None; }
     bool operator==(const MenuItem &) const = default;
 };
 
@@ -41,7 +43,7 @@ class MenuTarget
 public:
     virtual ~MenuTarget() = default;
     virtual bool validateMenuItem(const MenuItem &item) = 0;
-    virtual void performAction(const QString &action, const MenuItem &sender) = 0;
+    virtual void performAction(MenuAction action, const MenuItem &sender) = 0;
 };
 
 // The menu as the logic builds it. The desktop draws it (a QMenu, or a menu exported over

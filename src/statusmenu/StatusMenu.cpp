@@ -4,7 +4,6 @@
 #include "datetext/DateFormatCatalogue.h"
 #include "datetext/DateText.h"
 #include "datetext/NSDateExtensions.h"
-#include "statusmenu/CopyActions.h"
 
 namespace {
 
@@ -58,7 +57,7 @@ void StatusMenu::createStatusItem()
     m_item->setHighlightMode(true);
 }
 
-void StatusMenu::addItem(const QString &title, const QString &action, const QString &toolTip)
+void StatusMenu::addItem(const QString &title, MenuAction action, const QString &toolTip)
 {
     MenuItem item;
     item.title = title;
@@ -90,16 +89,16 @@ void StatusMenu::buildMenu(const QStringList &customDates)
         m_menu->removeItemAtIndex(0);
 
     const Clock &clock = m_platform.clock;
-    addItem(QStringLiteral("Date-Time Chooser"), QStringLiteral("showCalendar:"));
-    addItem(ItIsNowLine(clock), QString());
+    addItem(QStringLiteral("Date-Time Chooser"), MenuAction::ShowCalendar);
+    addItem(ItIsNowLine(clock), MenuAction::None);
 
     if (g_selectedDateTime != 0.0) {
-        addItem(DaysToLine(clock), QString());
+        addItem(DaysToLine(clock), MenuAction::None);
 
         QString phrase;
         if (const auto date = NSDateExtensions::dateFromCFAbsoluteTime(clock, g_selectedDateTime))
             phrase = date->timesinceWithDepth(7).remove(QLatin1Char('-'));
-        addItem(FillPlaceholders(QStringLiteral("(%@)"), {phrase}), QString());
+        addItem(FillPlaceholders(QStringLiteral("(%@)"), {phrase}), MenuAction::None);
     }
     addSeparator();
 
@@ -118,15 +117,15 @@ void StatusMenu::buildMenu(const QStringList &customDates)
     }
     if (!customDates.isEmpty()) {
         addSeparator();
-        addItem(QStringLiteral("Custom Dates"), QString());
+        addItem(QStringLiteral("Custom Dates"), MenuAction::None);
         addCustomDateFormatterItems(customDates);
     }
 
     addSeparator();
-    addItem(QStringLiteral("Preferences..."), QStringLiteral("selItemPreferences:"));
+    addItem(QStringLiteral("Preferences..."), MenuAction::SelItemPreferences);
     addSeparator();
-    addItem(QStringLiteral("About Horalo"), QStringLiteral("selItemAbout:"));
-    addItem(QStringLiteral("Quit"), QStringLiteral("selItemQuit:"));
+    addItem(QStringLiteral("About Horalo"), MenuAction::SelItemAbout);
+    addItem(QStringLiteral("Quit"), MenuAction::SelItemQuit);
 
     if (m_item) {
         m_item->setImage(IncludeTitleIcon(m_platform.store)
@@ -147,15 +146,14 @@ void StatusMenu::addStyledGroup(DateFormatGroup group)
     for (const CatalogueFormat &format : DateFormatCatalogue()) {
         if (format.group != group)
             continue;
-        const QString action = format.copyAction.toString();
         if (symbolic) {
-            addItem(format.menuName.toString(), action);
+            addItem(format.menuName.toString(), format.copyAction);
             continue;
         }
         const QString text =
             MakeCurrentDateTimeStringRef(m_platform.clock, format.dateStyle, format.timeStyle);
         if (!text.isNull())
-            addItem(text, action);
+            addItem(text, format.copyAction);
     }
 }
 
@@ -179,28 +177,29 @@ void StatusMenu::addNumericalDateTimeItems()
     if (UseSymbolicNames(m_platform.store)) {
         for (const CatalogueFormat &format : DateFormatCatalogue()) {
             if (format.group == DateFormatGroup::Numerical)
-                addItem(format.menuName.toString(), format.copyAction.toString());
+                addItem(format.menuName.toString(), format.copyAction);
         }
         addSeparator();
         return;
     }
 
     const QString description = DefaultDescription(WorkingInstant(m_platform.clock));
-    addItem(description, QStringLiteral("gmtDateTime:"));
+    addItem(description, MenuAction::GMTDateTime);
 
-    const QStringList fields = DescriptionFields(description);
-    if (fields.isEmpty()) {
+    const QString date = NumericalDateFromDescription(description);
+    if (date.isNull()) {
         addSeparator();
         return;
     }
-    const QString date = fields.at(0);
-    QString dateTime = date;
-    if (fields.size() > 1)
-        dateTime += QLatin1Char(' ') + fields.at(1);
+    // The entry shows the date alone when the description has no time field; its copy action
+    // refuses half a date-time.
+    QString dateTime = NumericalDateTimeFromDescription(description);
+    if (dateTime.isNull())
+        dateTime = date;
 
-    addItem(dateTime, QStringLiteral("numericalDateTime:"));
-    addItem(date, QStringLiteral("numericalDate:"));
-    addItem(QString(date).remove(QLatin1Char('-')), QStringLiteral("numericalDateNoHyphens:"));
+    addItem(dateTime, MenuAction::NumericalDateTime);
+    addItem(date, MenuAction::NumericalDate);
+    addItem(NumericalDateNoHyphensFromDescription(description), MenuAction::NumericalDateNoHyphens);
     addSeparator();
 }
 
@@ -212,7 +211,7 @@ void StatusMenu::addCustomDateFormatterItems(const QStringList &customDates)
         const QString &format = customDates.at(i);
         const QString text = MakeFormattedDateString(date, format);
         if (!text.isNull())
-            addItem(text, QStringLiteral("customDateFormatter:"), format);
+            addItem(text, MenuAction::CustomDateFormatter, format);
     }
 }
 
@@ -254,7 +253,8 @@ QStringList DescribeMenu(const Menu &menu, QString (*shown)(const QString &))
         }
         const QString title = shown ? shown(item.title) : item.title;
         const QString toolTip = shown ? shown(item.toolTip) : item.toolTip;
-        lines.append(title + QLatin1Char('\t') + item.action + QLatin1Char('\t') + toolTip);
+        lines.append(title + QLatin1Char('\t') + MenuActionName(item.action) + QLatin1Char('\t') +
+                     toolTip);
     }
     return lines;
 }

@@ -45,7 +45,7 @@ public:
 
 private:
     void addStyledGroup(DateFormatGroup group);
-    void addItem(const QString &title, const QString &action, const QString &toolTip = {});
+    void addItem(const QString &title, MenuAction action, const QString &toolTip = {});
     void addSeparator();
     void setTitle(const QString &title);
 

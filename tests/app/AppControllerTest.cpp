@@ -16,7 +16,7 @@ TEST_F(StartUp, EmptyStoreBuildsTheDefaultsAndTakesTheSnapshotLast)
     });
     controller.awakeFromNib();
     EXPECT_FALSE(gUserDefaultsDictionary.has_value());
-    EXPECT_EQ(titleOf(QStringLiteral("customDateFormatter:")), QStringLiteral("March"));
+    EXPECT_EQ(titleOf(MenuAction::CustomDateFormatter), QStringLiteral("March"));
     EXPECT_EQ(controller.setupCount(), 1);
     ASSERT_NE(platform.statusItem(), nullptr);
     EXPECT_TRUE(item().highlightMode());
@@ -26,7 +26,7 @@ TEST_F(StartUp, EmptyStoreBuildsTheDefaultsAndTakesTheSnapshotLast)
     ASSERT_TRUE(gUserDefaultsDictionary.has_value());
     EXPECT_TRUE(gUserDefaultsDictionary->contains(SettingsKey::CustomDates));
     item().openMenu();
-    EXPECT_EQ(titleOf(QStringLiteral("customDateFormatter:")), QStringLiteral("Monat3"));
+    EXPECT_EQ(titleOf(MenuAction::CustomDateFormatter), QStringLiteral("Monat3"));
 
     // The snapshot is never refreshed.
     set(SettingsKey::MenuTitleFormatter, QStringLiteral("%Y"));

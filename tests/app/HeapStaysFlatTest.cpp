@@ -63,7 +63,7 @@ protected:
     {
         item().openMenu();
         if (opening % 50 == 0)
-            chooseFirst(QStringLiteral("mediumDateTime:"));
+            chooseFirst(MenuAction::MediumDateTime);
         if (opening % 500 == 0) {
             ASSERT_TRUE(item().chooseItemTitled(QStringLiteral("Date-Time Chooser")));
             platform.datePicker.userChangesDateValue(platform.clock.currentAbsoluteTime() -
@@ -74,7 +74,7 @@ protected:
         platform.timers.advance(secondsUntilNext);
     }
 
-    void chooseFirst(const QString &action)
+    void chooseFirst(MenuAction action)
     {
         Menu &menu = *controller.statusMenu().menu();
         for (int i = 0; i < menu.numberOfItems(); ++i) {
@@ -83,7 +83,7 @@ protected:
                 return;
             }
         }
-        FAIL() << "no entry " << action.toStdString();
+        FAIL() << "no entry " << MenuActionName(action).data();
     }
 
     // The in-memory store logs every synchronisation, one line per opening: that record is the

@@ -5,9 +5,12 @@
 #include "app/SessionController.h"
 
 #include "app/DeferToRunningInstance.h"
+#include "datetext/DateFormatCatalogue.h"
 #include "support/ControllerFixture.h"
 
 #include <QBuffer>
+
+#include <algorithm>
 
 namespace {
 
@@ -60,6 +63,31 @@ TEST_F(CopyRequest, MenuNamesCopyWhatTheirEntriesCopyAndReturnTheSameBytes)
         EXPECT_EQ(result.status, SessionRequests::CopyStatus::Copied) << expected.name;
         EXPECT_EQ(result.text, expected.text) << expected.name;
         EXPECT_EQ(platform.clipboard.contents(), expected.text) << expected.name;
+    }
+}
+
+TEST_F(CopyRequest, EveryMenuNameCopiesTheTextOfTheEntryOfThatName)
+{
+    set(SettingsKey::IncludeDateOnlyItems, true);
+    set(SettingsKey::IncludeTimeOnlyItems, true);
+    set(SettingsKey::UseSymbolicNames, true);
+    item().openMenu();
+    const QList<MenuItem> named = controller.statusMenu().menu()->items();
+    set(SettingsKey::UseSymbolicNames, false);
+    item().openMenu();
+    const QList<MenuItem> shown = controller.statusMenu().menu()->items();
+    ASSERT_EQ(named.size(), shown.size());
+
+    for (const CatalogueFormat &format : DateFormatCatalogue()) {
+        const QString name = format.menuName.toString();
+        const auto entry = std::find_if(named.begin(), named.end(), [&name](const MenuItem &item) {
+            return item.title == name;
+        });
+        ASSERT_NE(entry, named.end()) << name.toStdString();
+        const SessionRequests::CopyResult result = copy(name.toUtf8().constData());
+        EXPECT_EQ(result.status, SessionRequests::CopyStatus::Copied) << name.toStdString();
+        EXPECT_EQ(result.text, shown.at(entry - named.begin()).title.toUtf8())
+            << name.toStdString();
     }
 }
 
@@ -151,7 +179,7 @@ TEST_F(EntryRequests, ShowMenuOpensTheRebuiltMenuWhereAsked)
     EXPECT_EQ(item().popUpCount(), 1);
     EXPECT_EQ(item().lastPopUpPosition(), QPoint(40, 12));
     EXPECT_EQ(controller.setupCount(), setups + 1);
-    EXPECT_EQ(titleOf(QStringLiteral("customDateFormatter:")), QStringLiteral("2006"))
+    EXPECT_EQ(titleOf(MenuAction::CustomDateFormatter), QStringLiteral("2006"))
         << "the menu shows the settings as of this opening";
 
     session.requests->showMenu(std::nullopt);

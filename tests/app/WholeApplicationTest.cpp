@@ -45,8 +45,8 @@ TEST_F(WholeApplication, ABoxTickedInPreferencesShowsAtTheNextOpening)
     controls.useSymbolicNames.click();
     EXPECT_EQ(platform.distributedCenter.postCount(), 0) << "a click writes, it does not broadcast";
     item().openMenu();
-    EXPECT_NE(titleOf(QStringLiteral("fullDate:")), QString());
-    EXPECT_EQ(titleOf(QStringLiteral("fullDate:")), QStringLiteral("Full Date"));
+    EXPECT_NE(titleOf(MenuAction::FullDate), QString());
+    EXPECT_EQ(titleOf(MenuAction::FullDate), QStringLiteral("Full Date"));
 }
 
 TEST_F(WholeApplication, CustomFormatsReachTheMenuAtOnceWhenTheWindowCloses)
@@ -57,7 +57,7 @@ TEST_F(WholeApplication, CustomFormatsReachTheMenuAtOnceWhenTheWindowCloses)
                                             QStringLiteral("week %j"));
     preferencesWindow.close();
     platform.processEvents();
-    EXPECT_EQ(titleOf(QStringLiteral("customDateFormatter:")), QStringLiteral("week 069"));
+    EXPECT_EQ(titleOf(MenuAction::CustomDateFormatter), QStringLiteral("week 069"));
 }
 
 TEST_F(WholeApplication, ATickingChooserClosedDirectlyStaysHeldThroughTheRebuild)
@@ -145,7 +145,7 @@ TEST_F(SettingsFromOutside, AChangeOnDiskRebuildsTheMenuAsABroadcastWould)
     writeFromOutside(SettingsKey::CustomDates, QVariantList{QStringLiteral("week %j")});
     platform.processEvents();
     EXPECT_EQ(controller.setupCount(), builds + 1);
-    EXPECT_EQ(titleOf(QStringLiteral("customDateFormatter:")), QStringLiteral("week 069"));
+    EXPECT_EQ(titleOf(MenuAction::CustomDateFormatter), QStringLiteral("week 069"));
     EXPECT_EQ(platform.distributedCenter.postCount(), 0) << "nothing to tell: the file did";
 }
 

@@ -39,7 +39,7 @@ TEST_F(Chooser, OpenPickAndCloseReturnsToNow)
     EXPECT_EQ(g_selectedDateTime, kFriday + 10 * kDay);
     item().openMenu();
     EXPECT_EQ(menuLines().at(2).section(QLatin1Char(':'), -1), QStringLiteral(" 10 days\t\t"));
-    EXPECT_EQ(titleOf(QStringLiteral("numericalDate:")), QStringLiteral("2006-03-20"));
+    EXPECT_EQ(titleOf(MenuAction::NumericalDate), QStringLiteral("2006-03-20"));
     platform.timers.advance(1.0);
     EXPECT_EQ(item().title(), QStringLiteral("Mar 20, 2006"));
 

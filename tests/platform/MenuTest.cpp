@@ -8,7 +8,7 @@ namespace {
 
 using namespace Qt::StringLiterals;
 
-MenuItem Item(const QString &title, const QString &action)
+MenuItem Item(const QString &title, MenuAction action)
 {
     MenuItem item;
     item.title = title;
@@ -21,13 +21,10 @@ class RecordingTarget final : public MenuTarget
 {
 public:
     bool validateMenuItem(const MenuItem &item) override { return !refused.contains(item.action); }
-    void performAction(const QString &action, const MenuItem &) override
-    {
-        performed.append(action);
-    }
+    void performAction(MenuAction action, const MenuItem &) override { performed.append(action); }
 
-    QStringList refused;
-    QStringList performed;
+    QList<MenuAction> refused;
+    QList<MenuAction> performed;
 };
 
 class MenuTest : public ::testing::Test
@@ -35,11 +32,11 @@ class MenuTest : public ::testing::Test
 protected:
     void SetUp() override
     {
-        m_menu.addItem(Item(u"Copy"_s, u"shortDate:"_s));
-        m_menu.addItem(Item(u"It is now: noon"_s, QString()));
+        m_menu.addItem(Item(u"Copy"_s, MenuAction::ShortDate));
+        m_menu.addItem(Item(u"It is now: noon"_s, MenuAction::None));
         m_menu.addItem(MenuItem::separatorItem());
-        m_menu.addItem(Item(u"Refused"_s, u"quit:"_s));
-        m_target.refused = {u"quit:"_s};
+        m_menu.addItem(Item(u"Refused"_s, MenuAction::SelItemQuit));
+        m_target.refused = {MenuAction::SelItemQuit};
     }
 
     Menu m_menu;
@@ -70,7 +67,7 @@ TEST_F(MenuTest, OnlyEnabledEntriesRunTheirAction)
     EXPECT_FALSE(m_menu.activateItemAtIndex(1));
     EXPECT_FALSE(m_menu.activateItemAtIndex(3));
     EXPECT_FALSE(m_menu.activateItemAtIndex(9));
-    EXPECT_EQ(m_target.performed, QStringList{u"shortDate:"_s});
+    EXPECT_EQ(m_target.performed, QList<MenuAction>{MenuAction::ShortDate});
 }
 
 TEST_F(MenuTest, WillOpenAsksTheDelegateToRebuild)
@@ -81,7 +78,7 @@ TEST_F(MenuTest, WillOpenAsksTheDelegateToRebuild)
         {
             while (menu->numberOfItems() > 0)
                 menu->removeItemAtIndex(0);
-            menu->addItem(Item(u"Fresh"_s, u"fullDate:"_s));
+            menu->addItem(Item(u"Fresh"_s, MenuAction::FullDate));
         }
     } rebuilder;
     m_menu.willOpen(); // no delegate: nothing happens

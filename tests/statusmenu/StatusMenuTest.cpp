@@ -38,32 +38,30 @@ TEST_F(MenuConstruction, GroupsAndTheirSeparatorsFollowTheirSwitches)
     launch();
     // Without the GMT group the date-time group follows the head's separator directly.
     EXPECT_EQ(actions().mid(2, 5),
-              (QStringList{QStringLiteral("-"), QStringLiteral("shortDateTime:"),
-                           QStringLiteral("mediumDateTime:"), QStringLiteral("longDateTime:"),
-                           QStringLiteral("fullDateTime:")}));
+              (QList<MenuRow>{kSeparator, MenuAction::ShortDateTime, MenuAction::MediumDateTime,
+                              MenuAction::LongDateTime, MenuAction::FullDateTime}));
 
     // Each group has its own switch: times without dates.
     set(SettingsKey::IncludeTimeOnlyItems, true);
     item().openMenu();
-    EXPECT_TRUE(actions().contains(QStringLiteral("shortTime:")));
-    EXPECT_FALSE(actions().contains(QStringLiteral("shortDate:")));
+    EXPECT_TRUE(actions().contains(MenuAction::ShortTime));
+    EXPECT_FALSE(actions().contains(MenuAction::ShortDate));
 
     set(SettingsKey::IncludeDateOnlyItems, true);
     item().openMenu();
-    const QStringList all = actions();
-    const qsizetype dates = all.indexOf(QStringLiteral("shortDate:"));
-    const qsizetype times = all.indexOf(QStringLiteral("shortTime:"));
+    const QList<MenuRow> all = actions();
+    const qsizetype dates = all.indexOf(MenuAction::ShortDate);
+    const qsizetype times = all.indexOf(MenuAction::ShortTime);
     ASSERT_GT(dates, 0);
     ASSERT_GT(times, dates);
-    EXPECT_EQ(all.at(dates - 1), QStringLiteral("-"));
-    EXPECT_EQ(all.at(dates - 2), QStringLiteral("fullDateTime:"));
-    EXPECT_EQ(all.at(times - 1), QStringLiteral("-"));
-    EXPECT_EQ(all.at(times - 2), QStringLiteral("fullDate:"));
-    EXPECT_EQ(all.mid(times, 4),
-              (QStringList{QStringLiteral("shortTime:"), QStringLiteral("mediumTime:"),
-                           QStringLiteral("longTime:"), QStringLiteral("fullTime:")}));
-    EXPECT_EQ(titleOf(QStringLiteral("longDate:")), QStringLiteral("March 10, 2006"));
-    EXPECT_EQ(titleOf(QStringLiteral("mediumTime:")), QStringLiteral("2:31:47" NNBSP "PM"));
+    EXPECT_EQ(all.at(dates - 1), kSeparator);
+    EXPECT_EQ(all.at(dates - 2), MenuAction::FullDateTime);
+    EXPECT_EQ(all.at(times - 1), kSeparator);
+    EXPECT_EQ(all.at(times - 2), MenuAction::FullDate);
+    EXPECT_EQ(all.mid(times, 4), (QList<MenuRow>{MenuAction::ShortTime, MenuAction::MediumTime,
+                                                 MenuAction::LongTime, MenuAction::FullTime}));
+    EXPECT_EQ(titleOf(MenuAction::LongDate), QStringLiteral("March 10, 2006"));
+    EXPECT_EQ(titleOf(MenuAction::MediumTime), QStringLiteral("2:31:47" NNBSP "PM"));
 }
 
 TEST_F(MenuConstruction, SymbolicNamesNameEveryGroupButNotCustomFormats)
@@ -84,7 +82,7 @@ TEST_F(MenuConstruction, SymbolicNamesNameEveryGroupButNotCustomFormats)
     EXPECT_TRUE(lines.contains(QStringLiteral("2006\tcustomDateFormatter:\t%Y")));
 
     // Names change the texts only: the same entries and separators in the same places.
-    const QStringList named = actions();
+    const QList<MenuRow> named = actions();
     set(SettingsKey::UseSymbolicNames, false);
     item().openMenu();
     EXPECT_EQ(named, actions());
@@ -125,7 +123,7 @@ TEST_F(MenuConstruction, ChooserLinesReadAlikeForPastAndFuture)
         EXPECT_EQ(lines.at(3), QStringLiteral("(1 week, 3 days)\t\t"));
         EXPECT_EQ(lines.at(4), QStringLiteral("-"));
         // The format entries follow the picked moment.
-        EXPECT_TRUE(titleOf(QStringLiteral("numericalDate:"))
+        EXPECT_TRUE(titleOf(MenuAction::NumericalDate)
                         .startsWith(offset > 0 ? QStringLiteral("2006-03-20")
                                                : QStringLiteral("2006-02-28")));
     }
@@ -148,7 +146,8 @@ TEST_F(MenuConstruction, InformationalRowsCannotBeChosenAndNothingHasAShortcut)
         EXPECT_TRUE(entry.keyEquivalent.isEmpty());
         if (entry.separator)
             continue;
-        EXPECT_EQ(menu.isItemEnabled(i), !entry.action.isEmpty()) << entry.title.toStdString();
+        EXPECT_EQ(menu.isItemEnabled(i), entry.action != MenuAction::None)
+            << entry.title.toStdString();
     }
     EXPECT_FALSE(item().chooseItemTitled(QStringLiteral("Custom Dates")));
 }
@@ -166,7 +165,7 @@ TEST_F(MenuConstruction, EveryOpeningRebuildsFromScratch)
     // A setting written elsewhere shows at the next opening, without a broadcast.
     platform.ownStore.setAppValue(SettingsKey::IncludeGMTDateTime, false, AppIdentifier);
     item().openMenu();
-    EXPECT_FALSE(actions().contains(QStringLiteral("gmtDateTime:")));
+    EXPECT_FALSE(actions().contains(MenuAction::GMTDateTime));
 }
 
 TEST_F(MenuConstruction, IconFollowsItsSettingAtEveryBuild)

@@ -12,6 +12,17 @@
 #include <gtest/gtest.h>
 
 #include <cstdlib>
+#include <optional>
+
+inline void PrintTo(MenuAction action, std::ostream *os)
+{
+    const QLatin1String name = MenuActionName(action);
+    *os << (name.isEmpty() ? "none" : name.data());
+}
+
+// A menu entry's action, or none for a separator.
+using MenuRow = std::optional<MenuAction>;
+inline constexpr std::nullopt_t kSeparator = std::nullopt;
 
 // 2006-03-10 14:31:47 -0500, a Friday.
 inline constexpr AbsoluteTime kFriday = 163711907.0;
@@ -49,14 +60,14 @@ protected:
 
     InMemoryStatusItem &item() { return *platform.statusItem(); }
     QStringList menuLines() { return DescribeMenu(*controller.statusMenu().menu()); }
-    QStringList actions()
+    QList<MenuRow> actions()
     {
-        QStringList result;
+        QList<MenuRow> result;
         for (const MenuItem &entry : controller.statusMenu().menu()->items())
-            result.append(entry.separator ? QStringLiteral("-") : entry.action);
+            result.append(entry.separator ? kSeparator : MenuRow(entry.action));
         return result;
     }
-    QString titleOf(const QString &action)
+    QString titleOf(MenuAction action)
     {
         for (const MenuItem &entry : controller.statusMenu().menu()->items()) {
             if (entry.action == action)

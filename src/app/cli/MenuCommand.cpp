@@ -5,8 +5,8 @@
 #include "app/cli/SessionCommands.h"
 #include "app/cli/StatusBarLine.h"
 #include "app/cli/TerminalText.h"
+#include "datetext/CopyActions.h"
 #include "datetext/DateText.h"
-#include "statusmenu/CopyActions.h"
 #include "statusmenu/StatusMenu.h"
 
 using namespace Qt::StringLiterals;
@@ -106,18 +106,17 @@ int RunCopyCommand(const QStringList &args, QTextStream &out, QTextStream &err)
         return *status;
 
     QStringList positional = parser.positional();
-    MenuItem sender;
+    std::optional<MenuItem> entry;
     QString busName; // what the running application's Copy takes
     if (parser.isSet(u"format"_s)) {
         if (!positional.isEmpty())
             return Fail(err, u"give either a format NAME or --format STRING, not both"_s);
-        sender.action = u"customDateFormatter:"_s;
-        sender.toolTip = parser.value(u"format"_s);
-        busName = u"custom:"_s + sender.toolTip;
+        busName = QString(kCustomFormatPrefix) + parser.value(u"format"_s);
+        entry = CopyEntryForName(busName);
     } else if (!positional.isEmpty()) {
         busName = positional.takeFirst();
-        sender.action = CopyActionForMenuName(busName);
-        if (sender.action.isEmpty()) {
+        entry = CopyEntryForMenuName(busName);
+        if (!entry) {
             return Fail(err, u"not a menu format name: '%1' (try 'Numerical Date' or "
                              u"--format STRING)"_s.arg(busName));
         }
@@ -136,8 +135,7 @@ int RunCopyCommand(const QStringList &args, QTextStream &out, QTextStream &err)
     }
 
     HeadlessApplication app(parser.time());
-    sender.title = sender.action;
-    app.controller().performAction(sender.action, sender);
+    app.controller().performAction(entry->action, *entry);
     app.reportStoreProblem(err);
     const std::optional<QByteArray> copied = app.platform().clipboard.contents();
     if (!copied) {

@@ -104,7 +104,8 @@ TEST_F(DBusMenuTest, ClickedRunsTheEntrysAction)
     const QDBusMessage reply = host->callMenu(QStringLiteral("Event"), EventArguments(id));
     EXPECT_EQ(reply.type(), QDBusMessage::ReplyMessage);
     EXPECT_EQ(controller.performed,
-              QStringList{QStringLiteral("numericalDateNoHyphens: 20060310")});
+              (RecordingController::Performed{
+                  {MenuAction::NumericalDateNoHyphens, QStringLiteral("20060310")}}));
 }
 
 TEST_F(DBusMenuTest, RowsWithoutAnActionCannotBeChosen)
@@ -165,7 +166,8 @@ TEST_F(DBusMenuTest, AClickFromALayoutRebuiltSinceRunsTheEntryTheUserSaw)
     controller.menuNeedsUpdate(&controller.menu);
     host->callMenu(QStringLiteral("Event"), EventArguments(seen));
     EXPECT_EQ(controller.performed,
-              QStringList{QStringLiteral("numericalDateNoHyphens: 20060310")});
+              (RecordingController::Performed{
+                  {MenuAction::NumericalDateNoHyphens, QStringLiteral("20060310")}}));
 }
 
 TEST_F(DBusMenuTest, PropertiesOneByOneAndByGroup)
@@ -216,5 +218,6 @@ TEST_F(DBusMenuTest, GroupCallsReportUnknownIds)
     const QDBusMessage clicked =
         host->callMenu(QStringLiteral("EventGroup"), {QVariant::fromValue(events)});
     EXPECT_EQ(qdbus_cast<QList<int>>(clicked.arguments().first()), QList<int>{99});
-    EXPECT_EQ(controller.performed, QStringList{QStringLiteral("selItemQuit: Quit")});
+    EXPECT_EQ(controller.performed,
+              (RecordingController::Performed{{MenuAction::SelItemQuit, QStringLiteral("Quit")}}));
 }

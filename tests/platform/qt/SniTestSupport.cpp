@@ -170,7 +170,7 @@ void RecordingController::menuNeedsUpdate(Menu *built)
     ++builds;
     while (built->numberOfItems() > 0)
         built->removeItemAtIndex(0);
-    const auto add = [built](const QString &title, const QString &action,
+    const auto add = [built](const QString &title, MenuAction action,
                              const QString &toolTip = QString()) {
         MenuItem item;
         item.title = title;
@@ -178,21 +178,21 @@ void RecordingController::menuNeedsUpdate(Menu *built)
         item.toolTip = toolTip;
         built->addItem(item);
     };
-    add(QStringLiteral("Date-Time Chooser"), QStringLiteral("showCalendar:"));
-    add(QStringLiteral("It is now: Mar 10, 2006, 2:31\u202FPM"), QString());
+    add(QStringLiteral("Date-Time Chooser"), MenuAction::ShowCalendar);
+    add(QStringLiteral("It is now: Mar 10, 2006, 2:31\u202FPM"), MenuAction::None);
     if (withChooserLines)
-        add(QStringLiteral("Days To Mar 20, 2006, 2:31\u202FPM: 10 days"), QString());
+        add(QStringLiteral("Days To Mar 20, 2006, 2:31\u202FPM: 10 days"), MenuAction::None);
     built->addItem(MenuItem::separatorItem());
-    add(numericalDate, QStringLiteral("numericalDateNoHyphens:"));
-    add(QStringLiteral("Fr, 10. M\u00e4rz 2006 \u2600"), QStringLiteral("fullDate:"));
-    add(QStringLiteral("2006_03_10"), QStringLiteral("customDateFormatter:"), customToolTip);
+    add(numericalDate, MenuAction::NumericalDateNoHyphens);
+    add(QStringLiteral("Fr, 10. M\u00e4rz 2006 \u2600"), MenuAction::FullDate);
+    add(QStringLiteral("2006_03_10"), MenuAction::CustomDateFormatter, customToolTip);
     built->addItem(MenuItem::separatorItem());
-    add(QStringLiteral("Quit"), QStringLiteral("selItemQuit:"));
+    add(QStringLiteral("Quit"), MenuAction::SelItemQuit);
 }
 
-void RecordingController::performAction(const QString &action, const MenuItem &sender)
+void RecordingController::performAction(MenuAction action, const MenuItem &sender)
 {
-    performed.append(action + QLatin1Char(' ') + sender.title);
+    performed.append({action, sender.title});
 }
 
 namespace {

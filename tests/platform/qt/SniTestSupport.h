@@ -103,7 +103,7 @@ public:
     RecordingController();
     void menuNeedsUpdate(Menu *menu) override;
     bool validateMenuItem(const MenuItem &) override { return true; }
-    void performAction(const QString &action, const MenuItem &sender) override;
+    void performAction(MenuAction action, const MenuItem &sender) override;
 
     Menu menu;
     int builds = 0;
@@ -113,5 +113,7 @@ public:
     QString customToolTip = QStringLiteral("%Y_%m_%d");
     // Put an extra informational row at the top of the next builds.
     bool withChooserLines = false;
-    QStringList performed; // "action title"
+    // Each chosen action with its entry's title.
+    using Performed = QList<std::pair<MenuAction, QString>>;
+    Performed performed;
 };

@@ -17,11 +17,8 @@ class RecordingTarget final : public MenuTarget
 {
 public:
     bool validateMenuItem(const MenuItem &) override { return true; }
-    void performAction(const QString &action, const MenuItem &) override
-    {
-        performed.append(action);
-    }
-    QStringList performed;
+    void performAction(MenuAction action, const MenuItem &) override { performed.append(action); }
+    QList<MenuAction> performed;
 };
 
 class TrayMenu : public ::testing::Test
@@ -31,7 +28,7 @@ protected:
 
     void SetUp() override { menu.setTarget(&target); }
 
-    void build(const QList<std::pair<QString, QString>> &entries)
+    void build(const QList<std::pair<QString, MenuAction>> &entries)
     {
         while (menu.numberOfItems() > 0)
             menu.removeItemAtIndex(0);
@@ -50,8 +47,8 @@ protected:
 
 TEST_F(TrayMenu, AmpersandsInDatesAreTextNotMnemonics)
 {
-    build({{QStringLiteral("Mo & Di, 10.3."), QStringLiteral("customDateFormatter:")},
-           {QStringLiteral("&&&"), QStringLiteral("customDateFormatter:")}});
+    build({{QStringLiteral("Mo & Di, 10.3."), MenuAction::CustomDateFormatter},
+           {QStringLiteral("&&&"), MenuAction::CustomDateFormatter}});
     FillQMenu(qmenu, &menu);
     const QList<QAction *> actions = qmenu.actions();
     ASSERT_EQ(actions.size(), 2);
@@ -65,20 +62,20 @@ TEST_F(TrayMenu, AmpersandsInDatesAreTextNotMnemonics)
 
 TEST_F(TrayMenu, AnEntryOfARebuiltMenuChoosesNothingUntilTheMenuIsDrawnAgain)
 {
-    build({{QStringLiteral("20060310"), QStringLiteral("numericalDateNoHyphens:")},
-           {QStringLiteral("Quit"), QStringLiteral("selItemQuit:")}});
+    build({{QStringLiteral("20060310"), MenuAction::NumericalDateNoHyphens},
+           {QStringLiteral("Quit"), MenuAction::SelItemQuit}});
     FillQMenu(qmenu, &menu);
     QAction *const drawn = qmenu.actions().at(0);
 
     // Rebuilt while open (the settings changed): another entry now sits at that index.
-    build({{QStringLiteral("Quit"), QStringLiteral("selItemQuit:")},
-           {QStringLiteral("20060310"), QStringLiteral("numericalDateNoHyphens:")}});
+    build({{QStringLiteral("Quit"), MenuAction::SelItemQuit},
+           {QStringLiteral("20060310"), MenuAction::NumericalDateNoHyphens}});
     drawn->trigger();
     EXPECT_TRUE(target.performed.isEmpty());
 
     FillQMenu(qmenu, &menu);
     qmenu.actions().at(1)->trigger();
-    EXPECT_EQ(target.performed, QStringList{QStringLiteral("numericalDateNoHyphens:")});
+    EXPECT_EQ(target.performed, QList<MenuAction>{MenuAction::NumericalDateNoHyphens});
 }
 
 } // namespace

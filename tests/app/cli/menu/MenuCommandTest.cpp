@@ -136,6 +136,7 @@ TEST_F(HeadlessCommands, BadInputIsOneLineAndStatusTwo)
         QStringList args;
     } cases[] = {
         {RunCopyCommand, {QStringLiteral("Short Date Time")}}, // a title name, not a menu name
+        {RunCopyCommand, {QStringLiteral("custom:%Y")}}, // a custom format comes with --format
         {RunCopyCommand, {}},
         {RunCopyCommand, {QStringLiteral("--format")}},
         {RunMenuCommand, {QStringLiteral("--now"), QStringLiteral("yesterday")}},

@@ -6,8 +6,8 @@
 
 #include "EventLoopSupport.h"
 #include "FakeCompositor.h"
+#include "datetext/CopyActions.h"
 #include "platform/qt/wayland/PipeWriter.h"
-#include "statusmenu/CopyActions.h"
 
 #include <QTemporaryDir>
 

@@ -1,15 +1,11 @@
-#include "statusmenu/CopyActions.h"
+#include "datetext/CopyActions.h"
 
 #include "datetext/DateFormatCatalogue.h"
 #include "datetext/DateText.h"
 
-#include <QStringList>
-
 namespace {
 
-const char kCustomCopyAction[] = "customDateFormatter:";
-
-const CatalogueFormat *CatalogueFormatWithCopyAction(const QString &action)
+const CatalogueFormat *CatalogueFormatWithCopyAction(MenuAction action)
 {
     for (const CatalogueFormat &format : DateFormatCatalogue()) {
         if (format.copyAction == action)
@@ -56,28 +52,33 @@ std::optional<QByteArray> DescriptionText(const Clock &clock, const CatalogueFor
 
 } // namespace
 
-QStringList DescriptionFields(const QString &description)
-{
-    if (description.isEmpty())
-        return {};
-    return description.split(QLatin1Char(' '));
-}
-
-QString CopyActionForMenuName(const QString &menuName)
+std::optional<MenuItem> CopyEntryForMenuName(const QString &menuName)
 {
     const CatalogueFormat *format = CatalogueFormatWithMenuName(menuName);
-    return format ? format->copyAction.toString() : QString();
+    if (!format)
+        return std::nullopt;
+    MenuItem entry;
+    entry.title = menuName;
+    entry.action = format->copyAction;
+    return entry;
 }
 
-bool IsCopyAction(const QString &action)
+std::optional<MenuItem> CopyEntryForName(const QString &name)
 {
-    return CatalogueFormatWithCopyAction(action) || action == QLatin1String(kCustomCopyAction);
+    if (!name.startsWith(kCustomFormatPrefix))
+        return CopyEntryForMenuName(name);
+    // A custom entry carries its format in its tool tip, and so does this one.
+    MenuItem entry;
+    entry.title = name;
+    entry.action = MenuAction::CustomDateFormatter;
+    entry.toolTip = name.mid(kCustomFormatPrefix.size());
+    return entry;
 }
 
-std::optional<QByteArray> CopyTextForAction(const Clock &clock, const QString &action,
+std::optional<QByteArray> CopyTextForAction(const Clock &clock, MenuAction action,
                                             const MenuItem &sender)
 {
-    if (action == QLatin1String(kCustomCopyAction)) {
+    if (action == MenuAction::CustomDateFormatter) {
         const CalendarDate date =
             CalendarDateWithTimeIntervalSinceReferenceDate(WorkingInstant(clock));
         return Utf8(MakeFormattedDateString(date, sender.toolTip));
