@@ -4,6 +4,7 @@
 // parses the file, and the resident memory over an hour of simulated ticks.
 
 #include "app/AppController.h"
+#include "app/cli/DescribeMenu.h"
 #include "app/settings/Settings.h"
 #include "datetext/DateText.h"
 #include "platform/memory/InMemoryPlatform.h"

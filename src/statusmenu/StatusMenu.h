@@ -63,8 +63,3 @@ private:
 // (for the chooser's moment, meaningful only while one is picked).
 QString ItIsNowLine(const Clock &clock);
 QString DaysToLine(const Clock &clock);
-
-// The menu as lines of text, one per entry: "TITLE<TAB>ACTION<TAB>TOOLTIP", or "-" for a
-// separator. What `horalo menu` prints. `shown`, when given, is applied to every title and tool
-// tip (the command line strips control characters with it).
-QStringList DescribeMenu(const Menu &menu, QString (*shown)(const QString &) = nullptr);

@@ -3,6 +3,7 @@
 // when there is something new to learn.
 
 #include "app/AppController.h"
+#include "app/cli/DescribeMenu.h"
 #include "datetext/DateText.h"
 #include "platform/memory/InMemoryPlatform.h"
 #include "platform/store/PlistPreferencesStore.h"

@@ -4,6 +4,7 @@
 // locale: the state every controller test starts from.
 
 #include "app/AppController.h"
+#include "app/cli/DescribeMenu.h"
 #include "app/settings/Settings.h"
 #include "datetext/DateText.h"
 #include "platform/memory/InMemoryPlatform.h"

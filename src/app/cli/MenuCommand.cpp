@@ -1,6 +1,7 @@
 #include "app/cli/MenuCommand.h"
 
 #include "app/cli/CommandParser.h"
+#include "app/cli/DescribeMenu.h"
 #include "app/cli/HeadlessApplication.h"
 #include "app/cli/SessionCommands.h"
 #include "app/cli/StatusBarLine.h"
