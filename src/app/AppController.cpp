@@ -24,9 +24,8 @@ void AppController::awakeFromNib()
     m_customDates.clear();
     m_customDates.reserve(50);
     setup();
-    m_platform.distributedCenter.addObserver(this, PreferencesChangedCallback,
-                                             PreferencesChangedNotification, AppIdentifier,
-                                             SuspensionBehavior::DeliverImmediately);
+    m_platform.distributedCenter.addObserver(PreferencesChangedNotification, AppIdentifier,
+                                             [this] { PreferencesChangedCallback(*this); });
     // A settings file changed by another writer is a change of settings like any broadcast.
     m_platform.storeWatcher.addObserver([this] { setup(); });
     // The chooser window tells its owner it is closing; every window posts to this centre.
@@ -140,8 +139,7 @@ std::optional<QByteArray> AppController::copy(MenuAction action, const MenuItem 
     return text;
 }
 
-void PreferencesChangedCallback(DistributedNotificationCenter *, void *observer, const QString &,
-                                const QString &, const QVariantMap &)
+void PreferencesChangedCallback(AppController &controller)
 {
-    static_cast<AppController *>(observer)->setup();
+    controller.setup();
 }

@@ -91,7 +91,5 @@ private:
     int m_setupCount = 0;
 };
 
-// The "Preferences Changed" observer: rebuilds through the controller it was registered with.
-void PreferencesChangedCallback(DistributedNotificationCenter *center, void *observer,
-                                const QString &name, const QString &object,
-                                const QVariantMap &userInfo);
+// The "Preferences Changed" observer: rebuilds through the controller it was registered for.
+void PreferencesChangedCallback(AppController &controller);

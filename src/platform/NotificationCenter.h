@@ -1,39 +1,26 @@
 #pragma once
 
 #include <QString>
-#include <QVariantMap>
 
 #include <functional>
+#include <vector>
 
-class DistributedNotificationCenter;
 class Window;
 
-// The observer callback of a cross-process notification: centre, observer, name, object and
-// user info. Callbacks always run on the main event loop, never inside post.
-using NotificationCallback = void (*)(DistributedNotificationCenter *center, void *observer,
-                                      const QString &name, const QString &object,
-                                      const QVariantMap &userInfo);
-
-enum class SuspensionBehavior
-{
-    Drop = 1,
-    Coalesce = 2,
-    Hold = 3,
-    DeliverImmediately = 4,
-};
-
-// Notifications that travel between the processes of one user session. The posting process
-// receives its own notification as well, exactly once.
+// Notifications that travel between the processes of one user session, told apart by a name
+// and an object. The posting process receives its own notification as well, exactly once.
 class DistributedNotificationCenter
 {
 public:
+    using Observer = std::function<void()>;
+
     virtual ~DistributedNotificationCenter() = default;
 
-    // Observes notifications whose name and object both equal the given ones.
-    virtual void addObserver(void *observer, NotificationCallback callback, const QString &name,
-                             const QString &object, SuspensionBehavior behavior) = 0;
-    virtual void postNotification(const QString &name, const QString &object,
-                                  const QVariantMap &userInfo, bool deliverImmediately) = 0;
+    // Runs the observer for every notification whose name and object both equal these, on the
+    // main event loop, never inside postNotification().
+    virtual void addObserver(const QString &name, const QString &object, Observer observer) = 0;
+    // Sends the notification to every process of the session, this one included.
+    virtual void postNotification(const QString &name, const QString &object) = 0;
 };
 
 // The local "window will close" notification: every window of the process posts it just before

@@ -20,12 +20,6 @@ qint32 NarrowMoveTarget(qint64 target)
     return static_cast<qint32>(target);
 }
 
-void PreferencesChangedElsewhereCallback(DistributedNotificationCenter *, void *observer,
-                                         const QString &, const QString &, const QVariantMap &)
-{
-    static_cast<HoraloPrefPane *>(observer)->reloadFromStore();
-}
-
 constexpr quint32 kRowIndexArchiveMagic = 0x48524958; // "HRIX"
 constexpr quint16 kRowIndexArchiveVersion = 1;
 constexpr QDataStream::Version kRowIndexArchiveStreamVersion = QDataStream::Qt_6_0;
@@ -80,9 +74,8 @@ void HoraloPrefPane::awakeFromNib()
     // What other processes and other writers of the settings file change must show here, or
     // the next save would write the window's older state over it. Our own broadcast comes back
     // too; reloading then finds nothing to change.
-    m_platform.distributedCenter.addObserver(this, PreferencesChangedElsewhereCallback,
-                                             PreferencesChangedNotification, AppIdentifier,
-                                             SuspensionBehavior::DeliverImmediately);
+    m_platform.distributedCenter.addObserver(PreferencesChangedNotification, AppIdentifier,
+                                             [this] { reloadFromStore(); });
     m_platform.storeWatcher.addObserver([this] { reloadFromStore(); });
 }
 
@@ -144,8 +137,7 @@ void HoraloPrefPane::save()
     writeBoolean(SettingsKey::IncludeTimeOnlyItems, m_includeTimeOnlyItems);
     writeCustomDates();
     m_platform.store.appSynchronize(m_appID);
-    m_platform.distributedCenter.postNotification(PreferencesChangedNotification, AppIdentifier, {},
-                                                  true);
+    m_platform.distributedCenter.postNotification(PreferencesChangedNotification, AppIdentifier);
 }
 
 void HoraloPrefPane::windowWillClose(Window *)

@@ -58,15 +58,13 @@ TEST_F(RebuildTriggers, BroadcastFromOurIdentifierRebuildsAndOthersDoNot)
     set(SettingsKey::CustomDates, QVariantList{QStringLiteral("%Y")});
 
     platform.distributedCenter.postNotification(PreferencesChangedNotification,
-                                                QStringLiteral("org.example.Other"), {}, true);
-    platform.distributedCenter.postNotification(QStringLiteral("Something Else"), AppIdentifier, {},
-                                                true);
+                                                QStringLiteral("org.example.Other"));
+    platform.distributedCenter.postNotification(QStringLiteral("Something Else"), AppIdentifier);
     platform.processEvents();
     EXPECT_EQ(controller.setupCount(), afterLaunch);
     EXPECT_TRUE(controller.customDates().isEmpty());
 
-    platform.distributedCenter.postNotification(PreferencesChangedNotification, AppIdentifier, {},
-                                                true);
+    platform.distributedCenter.postNotification(PreferencesChangedNotification, AppIdentifier);
     EXPECT_EQ(controller.setupCount(), afterLaunch) << "delivered by the event loop, not in post";
     platform.processEvents();
     EXPECT_EQ(controller.setupCount(), afterLaunch + 1);
@@ -82,7 +80,7 @@ TEST_F(RebuildTriggers, AnotherProcessOnTheSameBusTriggersARebuild)
     app.awakeFromNib();
     InMemoryDistributedCenter otherProcess(&bus);
 
-    otherProcess.postNotification(PreferencesChangedNotification, AppIdentifier, {}, true);
+    otherProcess.postNotification(PreferencesChangedNotification, AppIdentifier);
     running.processEvents();
     EXPECT_EQ(app.setupCount(), 2);
 }

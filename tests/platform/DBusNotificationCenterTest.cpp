@@ -36,11 +36,11 @@ protected:
     // it ever will be.
     bool drainOwnPosts()
     {
-        const qsizetype before = m_sentinel.received.size();
-        m_center->postNotification(kSentinel, AppIdentifier, {}, true);
+        const int before = m_sentinel.received;
+        m_center->postNotification(kSentinel, AppIdentifier);
         m_center->flush();
-        return ProcessEventsUntil([&] { return m_sentinel.received.size() > before; }) &&
-               m_sentinel.received.size() == before + 1;
+        return ProcessEventsUntil([&] { return m_sentinel.received > before; }) &&
+               m_sentinel.received == before + 1;
     }
 
     std::unique_ptr<DBusNotificationCenter> m_center;
@@ -51,27 +51,21 @@ protected:
 TEST_F(BusCenterTest, ThePosterHearsItsOwnNotificationOnceAndLater)
 {
     m_recorder.observe(*m_center, kChanged, AppIdentifier);
-    m_center->postNotification(kChanged, AppIdentifier,
-                               {{u"count"_s, 3}, {u"names"_s, QStringList{u"a"_s, u"b"_s}}}, true);
-    EXPECT_TRUE(m_recorder.received.isEmpty()) << "never delivered inside post";
+    m_center->postNotification(kChanged, AppIdentifier);
+    EXPECT_EQ(m_recorder.received, 0) << "never delivered inside post";
 
     ASSERT_TRUE(drainOwnPosts());
-    ASSERT_EQ(m_recorder.received.size(), 1);
-    const auto &got = m_recorder.received.first();
-    EXPECT_EQ(got.name, kChanged);
-    EXPECT_EQ(got.object, AppIdentifier);
-    EXPECT_EQ(got.userInfo.value(u"count"_s).toInt(), 3);
-    EXPECT_EQ(got.userInfo.value(u"names"_s).toStringList(), (QStringList{u"a"_s, u"b"_s}));
+    EXPECT_EQ(m_recorder.received, 1);
 }
 
 TEST_F(BusCenterTest, ObserversFilterOnNameAndObject)
 {
     m_recorder.observe(*m_center, kChanged, AppIdentifier);
-    m_center->postNotification(kChanged, u"org.example.Other"_s, {}, true);
-    m_center->postNotification(u"Something Else"_s, AppIdentifier, {}, true);
-    m_center->postNotification(kChanged, AppIdentifier.toUpper(), {}, true);
+    m_center->postNotification(kChanged, u"org.example.Other"_s);
+    m_center->postNotification(u"Something Else"_s, AppIdentifier);
+    m_center->postNotification(kChanged, AppIdentifier.toUpper());
     ASSERT_TRUE(drainOwnPosts());
-    EXPECT_TRUE(m_recorder.received.isEmpty());
+    EXPECT_EQ(m_recorder.received, 0);
 }
 
 TEST_F(BusCenterTest, AnotherProcessHearsOnlyTheMatchingNotification)
@@ -81,19 +75,17 @@ TEST_F(BusCenterTest, AnotherProcessHearsOnlyTheMatchingNotification)
     ASSERT_TRUE(listener.waitForReadyRead(10000));
     ASSERT_EQ(listener.readLine(), QByteArray("ready\n"));
 
-    // If the filter let the first two through, the listener would report one of them: the bus
-    // delivers one sender's signals in order.
-    m_center->postNotification(kChanged, u"org.example.Other"_s, {{u"from"_s, u"wrong object"_s}},
-                               true);
-    m_center->postNotification(u"Other Name"_s, AppIdentifier, {{u"from"_s, u"wrong name"_s}},
-                               true);
-    m_center->postNotification(kChanged, AppIdentifier, {{u"from"_s, u"test"_s}}, true);
+    // The bus delivers one sender's signals in order, so the listener has counted all of these
+    // by the time the sentinel reaches it.
+    m_center->postNotification(kChanged, u"org.example.Other"_s);
+    m_center->postNotification(u"Other Name"_s, AppIdentifier);
+    m_center->postNotification(kChanged, AppIdentifier);
+    m_center->postNotification(kSentinel, AppIdentifier);
     m_center->flush();
 
     ASSERT_TRUE(listener.waitForFinished(10000));
     EXPECT_EQ(listener.exitCode(), 0);
-    EXPECT_EQ(listener.readAllStandardOutput(),
-              QByteArray("Preferences Changed|org.horalo.Horalo|from=test\n"));
+    EXPECT_EQ(listener.readAllStandardOutput(), QByteArray("heard 1\n"));
 }
 
 TEST_F(BusCenterTest, ANotificationFromAnotherProcessArrivesOnce)
@@ -106,10 +98,9 @@ TEST_F(BusCenterTest, ANotificationFromAnotherProcessArrivesOnce)
     ASSERT_TRUE(poster.waitForFinished(10000));
     ASSERT_EQ(poster.exitCode(), 0);
 
-    ASSERT_TRUE(ProcessEventsUntil([&] { return !m_recorder.received.isEmpty(); }));
+    ASSERT_TRUE(ProcessEventsUntil([&] { return m_recorder.received > 0; }));
     ASSERT_TRUE(drainOwnPosts());
-    ASSERT_EQ(m_recorder.received.size(), 1);
-    EXPECT_EQ(m_recorder.received.first().userInfo.value(u"from"_s).toString(), u"peer"_s);
+    EXPECT_EQ(m_recorder.received, 1);
 }
 
 } // namespace

@@ -4,10 +4,10 @@
 // desktop window lays them out.
 
 #include "app/settings/Settings.h"
+#include "datetext/DateTextTestSupport.h"
 #include "platform/memory/InMemoryPlatform.h"
 #include "prefpane/HoraloPrefPane.h"
 #include "prefpane/InMemoryPrefPaneControls.h"
-#include "datetext/DateTextTestSupport.h"
 #include "support/QtPrinters.h"
 
 #include <gtest/gtest.h>
@@ -16,18 +16,6 @@
 
 // 2006-03-10 14:31:47 in New York (19:31:47 GMT), a Friday.
 inline constexpr AbsoluteTime kFixedInstant = 163711907.0;
-
-// Counts the "Preferences Changed" broadcasts that reach an observer of that name and object.
-struct BroadcastCounter
-{
-    int count = 0;
-
-    static void Callback(DistributedNotificationCenter *, void *observer, const QString &,
-                         const QString &, const QVariantMap &)
-    {
-        ++static_cast<BroadcastCounter *>(observer)->count;
-    }
-};
 
 class PrefPaneTest : public ::testing::Test
 {
@@ -41,9 +29,8 @@ protected:
                                                  QStringLiteral("Horalo"));
         memory.application.infoDictionary.insert(QStringLiteral("CFBundleShortVersionString"),
                                                  QStringLiteral("2.0"));
-        memory.distributedCenter.addObserver(&broadcasts, &BroadcastCounter::Callback,
-                                             PreferencesChangedNotification, AppIdentifier,
-                                             SuspensionBehavior::DeliverImmediately);
+        memory.distributedCenter.addObserver(PreferencesChangedNotification, AppIdentifier,
+                                             [this] { ++broadcasts; });
     }
 
     // Loads the layout: the controller is made, wired and woken.
@@ -73,13 +60,13 @@ protected:
     int deliveredBroadcasts()
     {
         memory.processEvents();
-        return broadcasts.count;
+        return broadcasts;
     }
     InMemoryTableView &table() { return controls.customDatesTable; }
 
     InMemoryPlatform memory{kFixedInstant};
     Platform platform = memory.platform();
-    BroadcastCounter broadcasts;
+    int broadcasts = 0; // "Preferences Changed" from AppIdentifier, as delivered
     InMemoryWindow preferencesWindow{memory.windowCenter};
     InMemoryPrefPaneControls controls{&preferencesWindow};
     std::unique_ptr<HoraloPrefPane> pane;

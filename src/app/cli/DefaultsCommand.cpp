@@ -241,7 +241,7 @@ int SaveAndAnnounce(PreferencesStore &store, DistributedNotificationCenter *cent
         return 1;
     }
     if (center)
-        center->postNotification(PreferencesChangedNotification, AppIdentifier, {}, true);
+        center->postNotification(PreferencesChangedNotification, AppIdentifier);
     return 0;
 }
 

@@ -1,66 +1,14 @@
 #include "platform/dbus/DBusNotificationCenter.h"
 
-#include <QDBusArgument>
 #include <QDBusMessage>
-#include <QDBusVariant>
 #include <QMetaObject>
+#include <QVariantMap>
 
 const QString DBusNotificationCenter::ObjectPath =
     QStringLiteral("/org/horalo/DistributedNotifications");
 const QString DBusNotificationCenter::Interface =
     QStringLiteral("org.horalo.DistributedNotifications");
 const QString DBusNotificationCenter::SignalName = QStringLiteral("Notification");
-
-namespace {
-
-// Turns what QtDBus hands over for a variant (plain values, or QDBusArgument for containers)
-// back into plain QVariant trees.
-QVariant FromDBus(const QVariant &value, int depth = 0)
-{
-    if (depth > 64)
-        return {};
-    if (value.userType() == qMetaTypeId<QDBusVariant>())
-        return FromDBus(value.value<QDBusVariant>().variant(), depth + 1);
-    if (value.userType() != qMetaTypeId<QDBusArgument>())
-        return value;
-
-    const QDBusArgument argument = value.value<QDBusArgument>();
-    switch (argument.currentType()) {
-    case QDBusArgument::ArrayType: {
-        QVariantList list;
-        argument.beginArray();
-        while (!argument.atEnd())
-            list.append(FromDBus(argument.asVariant(), depth + 1));
-        argument.endArray();
-        return list;
-    }
-    case QDBusArgument::MapType: {
-        QVariantMap map;
-        argument.beginMap();
-        while (!argument.atEnd()) {
-            argument.beginMapEntry();
-            const QVariant key = argument.asVariant();
-            const QVariant element = argument.asVariant();
-            argument.endMapEntry();
-            map.insert(key.toString(), FromDBus(element, depth + 1));
-        }
-        argument.endMap();
-        return map;
-    }
-    case QDBusArgument::StructureType: {
-        QVariantList fields;
-        argument.beginStructure();
-        while (!argument.atEnd())
-            fields.append(FromDBus(argument.asVariant(), depth + 1));
-        argument.endStructure();
-        return fields;
-    }
-    default:
-        return FromDBus(argument.asVariant(), depth + 1);
-    }
-}
-
-} // namespace
 
 DBusNotificationCenter::DBusNotificationCenter(QObject *parent)
     : DBusNotificationCenter(QDBusConnection::sessionBus(), parent)
@@ -83,29 +31,25 @@ DBusNotificationCenter::~DBusNotificationCenter()
     }
 }
 
-void DBusNotificationCenter::addObserver(void *observer, NotificationCallback callback,
-                                         const QString &name, const QString &object,
-                                         SuspensionBehavior)
+void DBusNotificationCenter::addObserver(const QString &name, const QString &object,
+                                         Observer observer)
 {
-    // Every behaviour delivers at once: nothing here ever suspends delivery.
-    if (callback)
-        m_observations.append({observer, callback, name, object});
+    if (observer)
+        m_observations.append({name, object, std::move(observer)});
 }
 
-void DBusNotificationCenter::postNotification(const QString &name, const QString &object,
-                                              const QVariantMap &userInfo, bool)
+void DBusNotificationCenter::postNotification(const QString &name, const QString &object)
 {
     if (m_connected) {
         QDBusMessage signal = QDBusMessage::createSignal(ObjectPath, Interface, SignalName);
-        signal << name << object << QVariant(userInfo);
+        signal << name << object << QVariant(QVariantMap());
         // The bus hands the signal back to us as well: that is our own delivery, so a sent
         // notification is not also delivered locally.
         if (m_connection.send(signal))
             return;
     }
     QMetaObject::invokeMethod(
-        this, [this, name, object, userInfo] { deliver(name, object, userInfo); },
-        Qt::QueuedConnection);
+        this, [this, name, object] { deliver(name, object); }, Qt::QueuedConnection);
 }
 
 bool DBusNotificationCenter::flush(int timeoutMs)
@@ -126,18 +70,15 @@ void DBusNotificationCenter::handleBusSignal(const QDBusMessage &message)
     const QVariantList arguments = message.arguments();
     if (arguments.size() < 2)
         return;
-    const QVariantMap userInfo =
-        arguments.size() > 2 ? FromDBus(arguments.at(2)).toMap() : QVariantMap();
-    deliver(arguments.at(0).toString(), arguments.at(1).toString(), userInfo);
+    deliver(arguments.at(0).toString(), arguments.at(1).toString());
 }
 
-void DBusNotificationCenter::deliver(const QString &name, const QString &object,
-                                     const QVariantMap &userInfo)
+void DBusNotificationCenter::deliver(const QString &name, const QString &object)
 {
-    // A callback may add observers while we walk the list.
+    // An observer may add observers while we walk the list.
     const QList<Observation> observations = m_observations;
     for (const Observation &observation : observations) {
         if (observation.name == name && observation.object == object)
-            observation.callback(this, observation.observer, name, object, userInfo);
+            observation.observer();
     }
 }

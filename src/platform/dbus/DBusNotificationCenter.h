@@ -12,14 +12,13 @@ class QDBusMessage;
 // the signal org.horalo.DistributedNotifications.Notification(s name, s object, a{sv} userInfo)
 // from the object path /org/horalo/DistributedNotifications; every centre on the bus hears
 // every one, its sender's included, and hands it to the observers whose name and object match.
-// Callbacks run from the Qt event loop, never inside postNotification().
+// Observers run from the Qt event loop, never inside postNotification(). The user-info
+// dictionary is sent empty and ignored when received: it stays in the signal so that processes
+// of other builds keep reading it.
 //
 // Without a reachable bus the centre still works within its process: a notification is queued
 // on the event loop and delivered to this centre's observers once. Nothing waits on the bus
 // except flush().
-//
-// User-info values must be what D-Bus can carry: booleans, numbers, strings, lists and maps of
-// them.
 class DBusNotificationCenter final : public QObject, public DistributedNotificationCenter
 {
     Q_OBJECT
@@ -35,10 +34,8 @@ public:
     explicit DBusNotificationCenter(const QDBusConnection &connection, QObject *parent = nullptr);
     ~DBusNotificationCenter() override;
 
-    void addObserver(void *observer, NotificationCallback callback, const QString &name,
-                     const QString &object, SuspensionBehavior behavior) override;
-    void postNotification(const QString &name, const QString &object, const QVariantMap &userInfo,
-                          bool deliverImmediately) override;
+    void addObserver(const QString &name, const QString &object, Observer observer) override;
+    void postNotification(const QString &name, const QString &object) override;
 
     bool isConnectedToBus() const { return m_connected; }
 
@@ -52,13 +49,12 @@ private Q_SLOTS:
 private:
     struct Observation
     {
-        void *observer;
-        NotificationCallback callback;
         QString name;
         QString object;
+        Observer observer;
     };
 
-    void deliver(const QString &name, const QString &object, const QVariantMap &userInfo);
+    void deliver(const QString &name, const QString &object);
 
     QDBusConnection m_connection;
     bool m_connected = false;

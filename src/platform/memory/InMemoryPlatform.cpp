@@ -253,21 +253,19 @@ InMemoryDistributedCenter::~InMemoryDistributedCenter()
         m_bus->detach(this);
 }
 
-void InMemoryDistributedCenter::addObserver(void *observer, NotificationCallback callback,
-                                            const QString &name, const QString &object,
-                                            SuspensionBehavior)
+void InMemoryDistributedCenter::addObserver(const QString &name, const QString &object,
+                                            Observer observer)
 {
-    m_observations.append({observer, callback, name, object});
+    m_observations.append({name, object, std::move(observer)});
 }
 
-void InMemoryDistributedCenter::postNotification(const QString &name, const QString &object,
-                                                 const QVariantMap &userInfo, bool)
+void InMemoryDistributedCenter::postNotification(const QString &name, const QString &object)
 {
     ++m_postCount;
     if (m_bus)
-        m_bus->broadcast(name, object, userInfo);
+        m_bus->broadcast(name, object);
     else
-        enqueue({name, object, userInfo});
+        enqueue({name, object});
 }
 
 int InMemoryDistributedCenter::deliverPending()
@@ -278,7 +276,7 @@ int InMemoryDistributedCenter::deliverPending()
         const auto observations = m_observations;
         for (const Observation &o : observations) {
             if (o.name == pending.name && o.object == pending.object) {
-                o.callback(this, o.observer, pending.name, pending.object, pending.userInfo);
+                o.observer();
                 ++ran;
             }
         }
@@ -286,11 +284,10 @@ int InMemoryDistributedCenter::deliverPending()
     return ran;
 }
 
-void InMemoryNotificationBus::broadcast(const QString &name, const QString &object,
-                                        const QVariantMap &userInfo)
+void InMemoryNotificationBus::broadcast(const QString &name, const QString &object)
 {
     for (InMemoryDistributedCenter *center : std::as_const(m_centers))
-        center->enqueue({name, object, userInfo});
+        center->enqueue({name, object});
 }
 
 // --- the whole platform ---

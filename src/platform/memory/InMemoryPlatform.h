@@ -216,13 +216,11 @@ public:
     explicit InMemoryDistributedCenter(InMemoryNotificationBus *bus = nullptr);
     ~InMemoryDistributedCenter() override;
 
-    void addObserver(void *observer, NotificationCallback callback, const QString &name,
-                     const QString &object, SuspensionBehavior behavior) override;
-    void postNotification(const QString &name, const QString &object, const QVariantMap &userInfo,
-                          bool deliverImmediately) override;
+    void addObserver(const QString &name, const QString &object, Observer observer) override;
+    void postNotification(const QString &name, const QString &object) override;
 
-    // Runs the callbacks of everything posted so far, as the event loop would. Returns how
-    // many callbacks ran.
+    // Runs the observers of everything posted so far, as the event loop would. Returns how
+    // many observers ran.
     int deliverPending();
     int postCount() const { return m_postCount; }
 
@@ -230,16 +228,14 @@ private:
     friend class InMemoryNotificationBus;
     struct Observation
     {
-        void *observer;
-        NotificationCallback callback;
         QString name;
         QString object;
+        Observer observer;
     };
     struct Pending
     {
         QString name;
         QString object;
-        QVariantMap userInfo;
     };
     void enqueue(const Pending &pending) { m_pending.append(pending); }
 
@@ -254,7 +250,7 @@ class InMemoryNotificationBus
 public:
     void attach(InMemoryDistributedCenter *center) { m_centers.append(center); }
     void detach(InMemoryDistributedCenter *center) { m_centers.removeAll(center); }
-    void broadcast(const QString &name, const QString &object, const QVariantMap &userInfo);
+    void broadcast(const QString &name, const QString &object);
 
 private:
     QList<InMemoryDistributedCenter *> m_centers;
@@ -298,7 +294,7 @@ public:
     InMemoryStatusItem *statusItem() const { return statusBar.lastItem(); }
 
     // Lets pending notifications and store changes through, as one turn of the event loop
-    // would. Returns how many broadcast callbacks ran.
+    // would. Returns how many broadcast observers ran.
     int processEvents()
     {
         storeWatcher.checkNow();

@@ -205,13 +205,10 @@ TEST_F(DefaultsCommandTest, BadInputSaysWhatIsWrongInOneLineAndChangesNothing)
 class PostRecorder final : public DistributedNotificationCenter
 {
 public:
-    void addObserver(void *, NotificationCallback, const QString &, const QString &,
-                     SuspensionBehavior) override
-    {}
-    void postNotification(const QString &name, const QString &object, const QVariantMap &,
-                          bool deliverImmediately) override
+    void addObserver(const QString &, const QString &, Observer) override {}
+    void postNotification(const QString &name, const QString &object) override
     {
-        posts.append(name + u'/' + object + (deliverImmediately ? u"/now"_s : u"/later"_s));
+        posts.append(name + u'/' + object);
     }
 
     QStringList posts;
@@ -227,7 +224,7 @@ TEST_F(DefaultsCommandTest, EachChangeIsAnnouncedOnceAndNothingElseIs)
     const auto runOn = [&](const QStringList &args) {
         return RunDefaultsCommandOn(store, &center, args, out, err);
     };
-    const QString announced = u"Preferences Changed/org.horalo.Horalo/now"_s;
+    const QString announced = u"Preferences Changed/org.horalo.Horalo"_s;
 
     EXPECT_EQ(runOn({u"write"_s, u"k"_s, u"-int"_s, u"1"_s}), 0);
     EXPECT_EQ(center.posts, QStringList{announced});
