@@ -21,7 +21,6 @@ public:
     // The menu is borrowed; the item shows it and tells it when it is about to open.
     virtual void setMenu(Menu *menu) = 0;
     virtual Menu *menu() const = 0;
-    virtual void setHighlightMode(bool on) = 0;
     // Shows the menu as if the item had been clicked (the menu is told it is about to open, so
     // it is rebuilt first), at a screen position, or at the pointer without one.
     virtual void popUpMenu(std::optional<QPoint> position) = 0;
@@ -30,9 +29,8 @@ public:
 class StatusBar
 {
 public:
-    static constexpr double kVariableStatusItemLength = -1.0;
-
     virtual ~StatusBar() = default;
-    // The bar owns the item for the rest of the process.
-    virtual StatusItem *statusItemWithLength(double length) = 0;
+    // A new item in the status area, as wide as its title and image. The bar owns it for the
+    // rest of the process.
+    virtual StatusItem *statusItem() = 0;
 };

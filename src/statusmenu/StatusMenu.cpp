@@ -53,8 +53,7 @@ StatusMenu::StatusMenu(Platform &platform, MenuDelegate &delegate, MenuTarget &t
 
 void StatusMenu::createStatusItem()
 {
-    m_item = m_platform.statusBar.statusItemWithLength(StatusBar::kVariableStatusItemLength);
-    m_item->setHighlightMode(true);
+    m_item = m_platform.statusBar.statusItem();
 }
 
 void StatusMenu::addItem(const QString &title, MenuAction action, const QString &toolTip)

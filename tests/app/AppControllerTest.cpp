@@ -19,7 +19,6 @@ TEST_F(StartUp, EmptyStoreBuildsTheDefaultsAndTakesTheSnapshotLast)
     EXPECT_EQ(titleOf(MenuAction::CustomDateFormatter), QStringLiteral("March"));
     EXPECT_EQ(controller.setupCount(), 1);
     ASSERT_NE(platform.statusItem(), nullptr);
-    EXPECT_TRUE(item().highlightMode());
     EXPECT_EQ(item().menu(), controller.statusMenu().menu());
 
     controller.applicationWillFinishLaunching();

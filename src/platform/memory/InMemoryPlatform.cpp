@@ -165,7 +165,7 @@ bool InMemoryStatusItem::chooseItemTitled(const QString &title)
     return false;
 }
 
-StatusItem *InMemoryStatusBar::statusItemWithLength(double)
+StatusItem *InMemoryStatusBar::statusItem()
 {
     m_items.push_back(std::make_unique<InMemoryStatusItem>());
     return m_items.back().get();

@@ -95,10 +95,8 @@ public:
     QString image() const override { return m_image; }
     void setMenu(Menu *menu) override { m_menu = menu; }
     Menu *menu() const override { return m_menu; }
-    void setHighlightMode(bool on) override { m_highlightMode = on; }
     // Opens the menu as openMenu() does and remembers where it was asked to show.
     void popUpMenu(std::optional<QPoint> position) override;
-    bool highlightMode() const { return m_highlightMode; }
     int popUpCount() const { return m_popUpCount; }
     std::optional<QPoint> lastPopUpPosition() const { return m_lastPopUpPosition; }
     int titleSetCount() const { return m_titleSetCount; }
@@ -111,7 +109,6 @@ private:
     QString m_title;
     QString m_image;
     Menu *m_menu = nullptr;
-    bool m_highlightMode = false;
     int m_titleSetCount = 0;
     int m_popUpCount = 0;
     std::optional<QPoint> m_lastPopUpPosition;
@@ -120,7 +117,7 @@ private:
 class InMemoryStatusBar final : public StatusBar
 {
 public:
-    StatusItem *statusItemWithLength(double length) override;
+    StatusItem *statusItem() override;
     const std::vector<std::unique_ptr<InMemoryStatusItem>> &items() const { return m_items; }
     InMemoryStatusItem *lastItem() const
     {

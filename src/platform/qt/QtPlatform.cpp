@@ -251,7 +251,6 @@ void QtStatusItem::watcherOwnerChanged(const QString &, const QString &, const Q
 
 void QtStatusItem::showStateOn(StatusItem &backend)
 {
-    backend.setHighlightMode(m_highlightMode);
     backend.setMenu(m_menu);
     backend.setImage(m_imageName);
     if (!m_title.isNull())
@@ -276,12 +275,6 @@ void QtStatusItem::setMenu(Menu *menu)
     backendItem()->setMenu(menu);
 }
 
-void QtStatusItem::setHighlightMode(bool on)
-{
-    m_highlightMode = on;
-    backendItem()->setHighlightMode(on);
-}
-
 void QtStatusItem::popUpMenu(std::optional<QPoint> position)
 {
     backendItem()->popUpMenu(position);
@@ -289,7 +282,7 @@ void QtStatusItem::popUpMenu(std::optional<QPoint> position)
 
 QtStatusBar::QtStatusBar(const QDBusConnection &bus) : m_bus(bus) {}
 
-StatusItem *QtStatusBar::statusItemWithLength(double)
+StatusItem *QtStatusBar::statusItem()
 {
     m_items.push_back(std::make_unique<QtStatusItem>(m_bus));
     return m_items.back().get();

@@ -61,7 +61,6 @@ public:
     QString image() const override { return m_imageName; }
     void setMenu(Menu *menu) override { m_menu = menu; }
     Menu *menu() const override { return m_menu; }
-    void setHighlightMode(bool) override {}
     void popUpMenu(std::optional<QPoint> position) override;
 
     QSystemTrayIcon &trayIcon() { return m_tray; }
@@ -103,7 +102,6 @@ public:
     QString image() const override { return m_imageName; }
     void setMenu(Menu *menu) override;
     Menu *menu() const override { return m_menu; }
-    void setHighlightMode(bool on) override;
     void popUpMenu(std::optional<QPoint> position) override;
 
     Backend backend() const { return m_sni ? Backend::StatusNotifierItem : Backend::Tray; }
@@ -124,14 +122,13 @@ private:
     Menu *m_menu = nullptr;
     QString m_title;
     QString m_imageName;
-    bool m_highlightMode = false;
 };
 
 class QtStatusBar final : public StatusBar
 {
 public:
     explicit QtStatusBar(const QDBusConnection &bus = QDBusConnection::sessionBus());
-    StatusItem *statusItemWithLength(double length) override;
+    StatusItem *statusItem() override;
 
 private:
     QDBusConnection m_bus;

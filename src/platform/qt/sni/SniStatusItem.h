@@ -36,7 +36,6 @@ public:
     QString image() const override { return m_imageName; }
     void setMenu(Menu *menu) override;
     Menu *menu() const override { return m_menu; }
-    void setHighlightMode(bool) override {}
 
     QString serviceName() const { return m_serviceName; }
     // Whether the name and the objects are on the bus.
