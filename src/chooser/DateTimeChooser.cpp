@@ -19,8 +19,7 @@ void DateTimeChooser::setPickerToNow()
 
 void DateTimeChooser::raiseWindowLevel()
 {
-    m_calendarClockWindow->setLevel(
-        m_platform.application.windowLevelForKey(Application::kScreenSaverWindowLevelKey));
+    m_calendarClockWindow->setFloating(true);
 }
 
 void DateTimeChooser::restorePickerFromDefaults()

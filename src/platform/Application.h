@@ -6,16 +6,12 @@
 class Application
 {
 public:
-    // The window-level keys the application uses.
-    static constexpr int kScreenSaverWindowLevelKey = 13;
-
     virtual ~Application() = default;
     virtual void terminate() = 0;
     // Brings the application's windows in front of other applications'.
     virtual void setFrontProcess() = 0;
     virtual void orderFrontStandardAboutPanel() = 0;
     virtual void beep() = 0;
-    virtual int windowLevelForKey(int key) const = 0;
     // The name of an image resource the desktop can show, or empty when there is none.
     virtual QString imageNamed(const QString &name) const = 0;
     // "CFBundleName" and "CFBundleShortVersionString": the application's name and version.

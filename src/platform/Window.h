@@ -12,8 +12,8 @@ class Window
 public:
     virtual ~Window() = default;
     virtual void makeKeyAndOrderFront() = 0;
-    virtual void setLevel(int level) = 0;
-    virtual int level() const = 0;
+    // A floating window stays above every other window, whichever application is active.
+    virtual void setFloating(bool floating) = 0;
     virtual void close() = 0;
     virtual bool isVisible() const = 0;
 };

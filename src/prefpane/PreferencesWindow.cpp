@@ -284,12 +284,10 @@ void PreferencesWindow::makeKeyAndOrderFront()
     activateWindow();
 }
 
-void PreferencesWindow::setLevel(int level)
+void PreferencesWindow::setFloating(bool floating)
 {
-    // Above ordinary windows for any level above the normal one.
-    m_level = level;
     const bool wasVisible = QWidget::isVisible();
-    setWindowFlag(Qt::WindowStaysOnTopHint, level > 0);
+    setWindowFlag(Qt::WindowStaysOnTopHint, floating);
     if (wasVisible)
         show(); // changing the flags hides a shown window
 }

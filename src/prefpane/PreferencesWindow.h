@@ -36,8 +36,7 @@ public:
 
     // Window
     void makeKeyAndOrderFront() override;
-    void setLevel(int level) override;
-    int level() const override { return m_level; }
+    void setFloating(bool floating) override;
     // Posts window-will-close (when the window is shown) and hides it; nothing is destroyed.
     void close() override;
     bool isVisible() const override;
@@ -77,7 +76,6 @@ private:
 
     LocalWindowNotificationCenter &m_windowCenter;
     HoraloPrefPane *m_controller = nullptr;
-    int m_level = 0;
 
     QCheckBox *m_useSymbolicNamesBox;
     QCheckBox *m_initDateTimeChooserToCurrentTimeWhenOpenedBox;

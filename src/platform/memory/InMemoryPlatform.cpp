@@ -217,12 +217,6 @@ int InMemoryClipboard::putUtf8PlainText(const QByteArray &bytes)
 
 // --- application ---
 
-int InMemoryApplication::windowLevelForKey(int key) const
-{
-    // The screen-saver level sits above every ordinary window and menu.
-    return key == kScreenSaverWindowLevelKey ? 1000 : 0;
-}
-
 QString InMemoryApplication::imageNamed(const QString &name) const
 {
     return imageResources.contains(name) ? name : QString();

@@ -133,16 +133,16 @@ class InMemoryWindow final : public Window
 public:
     explicit InMemoryWindow(LocalWindowNotificationCenter &center) : m_center(center) {}
     void makeKeyAndOrderFront() override;
-    void setLevel(int level) override { m_level = level; }
-    int level() const override { return m_level; }
+    void setFloating(bool floating) override { m_floating = floating; }
     void close() override;
     bool isVisible() const override { return m_visible; }
     bool isKey() const { return m_key; }
+    bool isFloating() const { return m_floating; }
     int orderFrontCount() const { return m_orderFrontCount; }
 
 private:
     LocalWindowNotificationCenter &m_center;
-    int m_level = 0;
+    bool m_floating = false;
     bool m_visible = false;
     bool m_key = false;
     int m_orderFrontCount = 0;
@@ -191,7 +191,6 @@ public:
     void setFrontProcess() override { ++frontCount; }
     void orderFrontStandardAboutPanel() override { ++aboutCount; }
     void beep() override { ++beepCount; }
-    int windowLevelForKey(int key) const override;
     QString imageNamed(const QString &name) const override;
     QString infoDictionaryValue(const QString &key) const override;
 

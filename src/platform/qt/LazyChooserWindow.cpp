@@ -25,7 +25,7 @@ QtChooserWindow &LazyChooserWindow::window()
     if (!m_window) {
         m_window = std::make_unique<QtChooserWindow>(m_windowCenter, this);
         m_window->setDateValue(m_value);
-        m_window->setLevel(m_level);
+        m_window->setFloating(m_floating);
         m_window->setAction(m_action);
     }
     return *m_window;
@@ -36,11 +36,11 @@ void LazyChooserWindow::makeKeyAndOrderFront()
     window().makeKeyAndOrderFront();
 }
 
-void LazyChooserWindow::setLevel(int level)
+void LazyChooserWindow::setFloating(bool floating)
 {
-    m_level = level;
+    m_floating = floating;
     if (m_window)
-        m_window->setLevel(level);
+        m_window->setFloating(floating);
 }
 
 void LazyChooserWindow::close()

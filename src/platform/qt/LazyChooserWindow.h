@@ -7,8 +7,8 @@
 
 class QtChooserWindow;
 
-// The date-time chooser as the application holds it from start-up: the picker's value, the
-// window's level and the picker's action are plain state until the window is first opened,
+// The date-time chooser as the application holds it from start-up: the picker's value, whether
+// the window floats and the picker's action are plain state until the window is first opened,
 // when the real window is built from them. Most runs never open the chooser, and building it
 // is a large share of start-up.
 class LazyChooserWindow final : public Window, public DatePicker
@@ -19,8 +19,8 @@ public:
 
     // Window
     void makeKeyAndOrderFront() override;
-    void setLevel(int level) override;
-    int level() const override { return m_level; }
+    void setFloating(bool floating) override;
+    bool isFloating() const { return m_floating; }
     void close() override;
     bool isVisible() const override;
 
@@ -38,6 +38,6 @@ private:
     LocalWindowNotificationCenter &m_windowCenter;
     std::unique_ptr<QtChooserWindow> m_window;
     AbsoluteTime m_value;
-    int m_level = 0;
+    bool m_floating = false;
     std::function<void()> m_action;
 };

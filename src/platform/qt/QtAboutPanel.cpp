@@ -25,3 +25,11 @@ void QtAboutPanel::makeKeyAndOrderFront()
     raise();
     activateWindow();
 }
+
+void QtAboutPanel::setFloating(bool floating)
+{
+    const bool wasVisible = QMessageBox::isVisible();
+    setWindowFlag(Qt::WindowStaysOnTopHint, floating);
+    if (wasVisible)
+        show(); // changing the flags hides a shown window
+}

@@ -15,12 +15,10 @@ public:
                  const QString &version);
 
     void makeKeyAndOrderFront() override;
-    void setLevel(int level) override { m_level = level; }
-    int level() const override { return m_level; }
+    void setFloating(bool floating) override;
     void close() override { QMessageBox::close(); }
     bool isVisible() const override { return QMessageBox::isVisible(); }
 
 private:
     LocalWindowNotificationCenter &m_windowCenter;
-    int m_level = 0;
 };

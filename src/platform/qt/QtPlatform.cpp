@@ -357,11 +357,6 @@ void QtApplication::beep()
     QApplication::beep();
 }
 
-int QtApplication::windowLevelForKey(int key) const
-{
-    return key == kScreenSaverWindowLevelKey ? 1000 : 0;
-}
-
 QString QtApplication::imageNamed(const QString &name) const
 {
     return QFile::exists(QStringLiteral(":/") + name) ? name : QString();
@@ -424,10 +419,9 @@ void QtChooserWindow::makeKeyAndOrderFront()
     m_edit->setFocus(Qt::OtherFocusReason);
 }
 
-void QtChooserWindow::setLevel(int level)
+void QtChooserWindow::setFloating(bool floating)
 {
-    m_level = level;
-    setWindowFlag(Qt::WindowStaysOnTopHint, level > 0);
+    setWindowFlag(Qt::WindowStaysOnTopHint, floating);
 }
 
 std::optional<AbsoluteTime> QtChooserWindow::dateValue() const

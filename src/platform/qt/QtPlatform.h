@@ -163,7 +163,6 @@ public:
     void setFrontProcess() override;
     void orderFrontStandardAboutPanel() override;
     void beep() override;
-    int windowLevelForKey(int key) const override;
     QString imageNamed(const QString &name) const override;
     QString infoDictionaryValue(const QString &key) const override;
 
@@ -186,8 +185,7 @@ public:
 
     // Window
     void makeKeyAndOrderFront() override;
-    void setLevel(int level) override;
-    int level() const override { return m_level; }
+    void setFloating(bool floating) override;
     void close() override { QWidget::close(); }
     bool isVisible() const override { return QWidget::isVisible(); }
 
@@ -211,6 +209,5 @@ private:
     QCalendarWidget *m_calendar;
     QDateTimeEdit *m_edit;
     std::function<void()> m_action;
-    int m_level = 0;
     bool m_placed = false;
 };

@@ -30,9 +30,9 @@ TEST_F(LazyChooser, StartUpStepsActOnStateAndBuildNoWidget)
     // What the application does at start-up and at every rebuild.
     chooser.setAction([this] { ++actions; });
     chooser.setDateValue(kFriday + 0.75);
-    chooser.setLevel(1000);
+    chooser.setFloating(true);
     EXPECT_EQ(chooser.dateValue(), kFriday) << "whole seconds, as the window keeps them";
-    EXPECT_EQ(chooser.level(), 1000);
+    EXPECT_TRUE(chooser.isFloating());
     EXPECT_FALSE(chooser.isVisible());
     EXPECT_EQ(chooser.createdWindow(), nullptr);
     EXPECT_EQ(QApplication::allWidgets().size(), widgetsBefore);
@@ -42,7 +42,7 @@ TEST_F(LazyChooser, TheFirstOpeningBuildsTheWindowFromThatState)
 {
     chooser.setAction([this] { ++actions; });
     chooser.setDateValue(kFriday);
-    chooser.setLevel(1000);
+    chooser.setFloating(true);
     chooser.makeKeyAndOrderFront();
 
     QtChooserWindow *window = chooser.createdWindow();
@@ -59,7 +59,7 @@ TEST_F(LazyChooser, TheFirstOpeningBuildsTheWindowFromThatState)
     EXPECT_EQ(chooser.dateValue(), kFriday + 365 * 86400.0);
     chooser.setDateValue(kFriday);
     EXPECT_EQ(window->dateValue(), kFriday);
-    chooser.setLevel(0);
+    chooser.setFloating(false);
     EXPECT_FALSE(window->windowFlags().testFlag(Qt::WindowStaysOnTopHint));
 
     chooser.makeKeyAndOrderFront();
