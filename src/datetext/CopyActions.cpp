@@ -93,9 +93,5 @@ std::optional<QByteArray> CopyTextForAction(const Clock &clock, MenuAction actio
 
 int PutStringOnClipboard(Clipboard &clipboard, const QByteArray &utf8)
 {
-    const int status = clipboard.open();
-    if (status != 0)
-        return status;
-    clipboard.clear();
-    return clipboard.putUtf8PlainText(utf8);
+    return clipboard.writeUtf8PlainText(utf8);
 }

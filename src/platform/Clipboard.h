@@ -2,15 +2,13 @@
 
 #include <QByteArray>
 
-// The desktop's general clipboard, written as one plain UTF-8 text item. Status results are 0
-// on success.
+// The desktop's general clipboard, written as one plain UTF-8 text item.
 class Clipboard
 {
 public:
     virtual ~Clipboard() = default;
-    // Reaches the general clipboard; a non-zero status means it cannot be written now.
-    virtual int open() = 0;
-    virtual void clear() = 0;
-    // Puts exactly these bytes as the one plain-text item; no terminator, no rich text.
-    virtual int putUtf8PlainText(const QByteArray &bytes) = 0;
+    // Clears the clipboard, then puts exactly these bytes as its one item: plain text, no
+    // terminator. 0 on success. A clipboard that cannot be reached keeps what it held and the
+    // status is non-zero; a put that fails after the clear leaves it empty.
+    virtual int writeUtf8PlainText(const QByteArray &bytes) = 0;
 };

@@ -249,11 +249,7 @@ void HoraloPrefPane::selectFormatSymbol(const TitledItem &sender)
 
 int HoraloPrefPane::putStringOnClipboard(const QString &text)
 {
-    Clipboard &clipboard = m_platform.clipboard;
-    if (const int status = clipboard.open(); status != 0)
-        return status;
-    clipboard.clear();
-    return clipboard.putUtf8PlainText(text.toUtf8());
+    return m_platform.clipboard.writeUtf8PlainText(text.toUtf8());
 }
 
 void HoraloPrefPane::updateCustomDatesTable()

@@ -126,7 +126,7 @@ TEST_F(CopyRequest, TextsThatCannotBeProducedOrPutCopyNothing)
     EXPECT_EQ(platform.clipboard.contents(), QByteArray("kept"));
 
     g_selectedDateTime = 0;
-    platform.clipboard.setOpenStatus(-1);
+    platform.clipboard.setUnreachableStatus(-1);
     EXPECT_EQ(copy("Medium Date").status, SessionRequests::CopyStatus::NotRendered)
         << "a clipboard that cannot be reached copies nothing";
     EXPECT_EQ(platform.clipboard.contents(), QByteArray("kept"));

@@ -207,11 +207,11 @@ TEST_F(FormatSymbols, TheListCoversEveryConversionOfTheNotation)
     EXPECT_EQ(symbols.size(), static_cast<qsizetype>(kFormatSymbols.size()));
 }
 
-TEST_F(FormatSymbols, AClipboardThatCannotBeOpenedIsLeftAlone)
+TEST_F(FormatSymbols, AClipboardThatCannotBeReachedIsLeftAlone)
 {
     awake();
     memory.clipboard.setContents(QByteArrayLiteral("before"));
-    memory.clipboard.setOpenStatus(-25);
+    memory.clipboard.setUnreachableStatus(-25);
     pane->selectFormatSymbol(InMemoryTitledItem(QStringLiteral("%d  day of the month")));
     EXPECT_EQ(controls.formatCharacterTextField.stringValue(), QStringLiteral("%d"));
     EXPECT_EQ(memory.clipboard.contents(), QByteArrayLiteral("before"));

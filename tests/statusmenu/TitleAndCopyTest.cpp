@@ -195,13 +195,13 @@ TEST_F(Copying, AnUnreachableClipboardKeepsItsContents)
 {
     launch();
     platform.clipboard.setContents("kept");
-    platform.clipboard.setOpenStatus(-25501);
+    platform.clipboard.setUnreachableStatus(-25501);
     EXPECT_EQ(controller.putStringOnClipboard("new"), -25501);
     MenuItem sender;
     controller.numericalDate(sender);
     EXPECT_EQ(platform.clipboard.contents(), QByteArray("kept"));
 
-    platform.clipboard.setOpenStatus(0);
+    platform.clipboard.setUnreachableStatus(0);
     EXPECT_EQ(controller.putStringOnClipboard(QByteArray()), 0);
     EXPECT_EQ(platform.clipboard.contents(), QByteArray()) << "an empty text is still one item";
 }

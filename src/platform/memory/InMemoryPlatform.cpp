@@ -203,13 +203,10 @@ void InMemoryDatePicker::userChangesDateValue(AbsoluteTime value)
 
 // --- clipboard ---
 
-void InMemoryClipboard::clear()
+int InMemoryClipboard::writeUtf8PlainText(const QByteArray &bytes)
 {
-    m_contents.reset();
-}
-
-int InMemoryClipboard::putUtf8PlainText(const QByteArray &bytes)
-{
+    if (m_unreachableStatus != 0)
+        return m_unreachableStatus;
     m_contents = bytes;
     ++m_writeCount;
     return 0;

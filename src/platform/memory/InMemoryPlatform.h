@@ -167,21 +167,21 @@ private:
 class InMemoryClipboard final : public Clipboard
 {
 public:
-    int open() override { return m_openStatus; }
-    void clear() override;
-    int putUtf8PlainText(const QByteArray &bytes) override;
+    int writeUtf8PlainText(const QByteArray &bytes) override;
 
-    // The one item, or none after a clear (or before any write).
+    // The one item, or none before any write.
     std::optional<QByteArray> contents() const { return m_contents; }
+    // Successful writes.
     int writeCount() const { return m_writeCount; }
-    // A non-zero status makes open() fail, as a clipboard that cannot be reached does.
-    void setOpenStatus(int status) { m_openStatus = status; }
+    // A non-zero status makes every write fail with it and change nothing, as a clipboard that
+    // cannot be reached does; 0 makes the clipboard reachable again.
+    void setUnreachableStatus(int status) { m_unreachableStatus = status; }
     void setContents(const QByteArray &bytes) { m_contents = bytes; }
 
 private:
     std::optional<QByteArray> m_contents;
     int m_writeCount = 0;
-    int m_openStatus = 0;
+    int m_unreachableStatus = 0;
 };
 
 class InMemoryApplication final : public Application

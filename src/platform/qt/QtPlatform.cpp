@@ -290,31 +290,18 @@ StatusItem *QtStatusBar::statusItem()
 
 // --- clipboard ---
 
-int QtClipboard::open()
+int QtClipboard::writeUtf8PlainText(const QByteArray &bytes)
 {
-    return QGuiApplication::clipboard() ? 0 : -1;
-}
-
-void QtClipboard::clear()
-{
-    // On X11, emptying the selection and taking it again a moment later leaves a gap in which a
-    // selection bridge (XWayland's in a Wayland session) takes it over, and our own take is then
-    // refused. A text that follows replaces ours in one step, so the clear waits for the end of
-    // this event and happens only if no text came.
-    m_clearPending = true;
-    QTimer::singleShot(0, &m_context, [this] {
-        if (std::exchange(m_clearPending, false))
-            QGuiApplication::clipboard()->clear(QClipboard::Clipboard);
-    });
-}
-
-int QtClipboard::putUtf8PlainText(const QByteArray &bytes)
-{
-    m_clearPending = false;
+    QClipboard *clipboard = QGuiApplication::clipboard();
+    if (!clipboard)
+        return -1;
     auto *mime = new QMimeData;
     // Plain text only: X11 readers get UTF8_STRING and text/plain;charset=utf-8 from this.
     mime->setText(QString::fromUtf8(bytes));
-    QGuiApplication::clipboard()->setMimeData(mime, QClipboard::Clipboard);
+    // The new text replaces the old in one step, which clears everything else the clipboard
+    // held. On X11 an explicit clear first would leave a gap in which a selection bridge
+    // (XWayland's in a Wayland session) takes the selection over, and our own take is refused.
+    clipboard->setMimeData(mime, QClipboard::Clipboard);
     return 0;
 }
 

@@ -138,14 +138,7 @@ private:
 class QtClipboard final : public Clipboard
 {
 public:
-    int open() override;
-    // Takes effect at the end of the current event unless a text replaces it before then.
-    void clear() override;
-    int putUtf8PlainText(const QByteArray &bytes) override;
-
-private:
-    QObject m_context; // ends a clear still to come with the clipboard
-    bool m_clearPending = false;
+    int writeUtf8PlainText(const QByteArray &bytes) override;
 };
 
 class QtAboutPanel;

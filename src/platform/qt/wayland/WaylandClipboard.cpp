@@ -226,29 +226,15 @@ void WaylandClipboard::connectToCompositor()
         m_connection.reset();
 }
 
-int WaylandClipboard::open()
+int WaylandClipboard::writeUtf8PlainText(const QByteArray &bytes)
 {
     if (!isAvailable())
         connectToCompositor();
-    return isAvailable() ? 0 : -1;
-}
-
-void WaylandClipboard::clear()
-{
-    if (!isAvailable())
-        return;
-    // Destroying the source that holds the selection empties the clipboard; the new text then
-    // comes on a source of its own.
-    dropSource();
-    createSource();
-    flush();
-}
-
-int WaylandClipboard::putUtf8PlainText(const QByteArray &bytes)
-{
     if (!isAvailable())
         return -1;
-    if ((!m_source || m_source->offered) && !createSource())
+    // Destroying the source that holds the selection empties the clipboard; the new text comes
+    // on a source of its own.
+    if (!createSource())
         return -1;
     Source &source = *m_source;
     source.bytes = bytes;

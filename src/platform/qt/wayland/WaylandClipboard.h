@@ -36,14 +36,11 @@ public:
     Protocol protocol() const;
 
     // Reconnects when the connection was lost; non-zero when no clipboard can be reached, and
-    // then nothing is changed.
-    int open() override;
-    // Drops our earlier text, if the clipboard still holds it, and prepares a fresh source.
-    void clear() override;
-    // Offers exactly these bytes under every plain-text type and makes them the selection. 0 once
-    // the compositor has taken the selection. The bytes are served to every paste until another
-    // program takes the clipboard or this writer goes away.
-    int putUtf8PlainText(const QByteArray &bytes) override;
+    // then nothing is changed. Otherwise drops our earlier text, if the clipboard still holds
+    // it, and offers exactly these bytes under every plain-text type on a fresh source, as the
+    // selection. 0 once the compositor has taken the selection. The bytes are served to every
+    // paste until another program takes the clipboard or this writer goes away.
+    int writeUtf8PlainText(const QByteArray &bytes) override;
 
     // The types a paste may ask for; every one gets the same UTF-8 bytes.
     static QStringList offeredMimeTypes();
