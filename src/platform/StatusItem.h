@@ -13,11 +13,11 @@ class StatusItem
 public:
     virtual ~StatusItem() = default;
 
+    // The text shown in the status area (where there is no room for text, its tool tip).
     virtual void setTitle(const QString &title) = 0;
     virtual QString title() const = 0;
     // An image resource name as found by Application::imageNamed(); empty for no image.
     virtual void setImage(const QString &imageName) = 0;
-    virtual QString image() const = 0;
     // The menu is borrowed; the item shows it and tells it when it is about to open.
     virtual void setMenu(Menu *menu) = 0;
     virtual Menu *menu() const = 0;

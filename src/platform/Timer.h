@@ -9,9 +9,8 @@ class Timer
 {
 public:
     virtual ~Timer() = default;
+    // Stops the timer for good; invalidating it again does nothing.
     virtual void invalidate() = 0;
-    virtual bool isValid() const = 0;
-    virtual double timeInterval() const = 0;
 };
 
 class TimerScheduler
@@ -22,6 +21,7 @@ public:
     using Callback = std::function<void(Timer *firing)>;
 
     virtual ~TimerScheduler() = default;
+    // Fires every intervalSeconds, the first time one interval from now, until invalidated.
     virtual Timer *scheduleRepeatingTimer(double intervalSeconds, Callback callback) = 0;
     // A repeating timer with an interval of one second whose ticks fall just after each change
     // of the wall clock's second, so a clock showing seconds turns over with the real one. Its

@@ -11,11 +11,12 @@ class Window
 {
 public:
     virtual ~Window() = default;
+    // Shows the window in front of the others and gives it the keyboard.
     virtual void makeKeyAndOrderFront() = 0;
     // A floating window stays above every other window, whichever application is active.
     virtual void setFloating(bool floating) = 0;
+    // Announces the closing, then hides the window; a window that is not shown may skip both.
     virtual void close() = 0;
-    virtual bool isVisible() const = 0;
 };
 
 // A date-and-time picker with whole-second precision. The action runs each time the user

@@ -297,11 +297,6 @@ void PreferencesWindow::close()
     QWidget::close();
 }
 
-bool PreferencesWindow::isVisible() const
-{
-    return QWidget::isVisible();
-}
-
 void PreferencesWindow::closeEvent(QCloseEvent *event)
 {
     // The title bar's button, Ctrl+W, Escape and close() all pass here. A window that is not

@@ -39,7 +39,6 @@ public:
     void setFloating(bool floating) override;
     // Posts window-will-close (when the window is shown) and hides it; nothing is destroyed.
     void close() override;
-    bool isVisible() const override;
 
     // The widgets, for the tests and for whoever drives the window.
     QCheckBox *useSymbolicNamesBox() const { return m_useSymbolicNamesBox; }

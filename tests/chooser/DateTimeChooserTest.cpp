@@ -88,7 +88,7 @@ TEST_F(Chooser, LiveClockTicksUntilTheMenuOpensThenFreezes)
     set(SettingsKey::DynamicDateTimeChooser, true);
     open();
     ASSERT_NE(timer(), nullptr);
-    EXPECT_DOUBLE_EQ(timer()->timeInterval(), 0.03);
+    EXPECT_DOUBLE_EQ(platform.timers.intervalOf(timer()), 0.03);
 
     platform.timers.advance(2.5);
     EXPECT_EQ(g_selectedDateTime, kFriday + 2) << "the picker's whole seconds";
@@ -104,7 +104,7 @@ TEST_F(Chooser, LiveClockTicksUntilTheMenuOpensThenFreezes)
     Timer *ticking = timer();
     item().openMenu(); // Ticking -> Frozen
     EXPECT_EQ(timer(), nullptr);
-    EXPECT_FALSE(ticking->isValid());
+    EXPECT_FALSE(platform.timers.validTimers().contains(ticking));
     platform.timers.advance(5);
     EXPECT_EQ(g_selectedDateTime, kFriday + 2);
     EXPECT_TRUE(window().isVisible());
@@ -142,7 +142,7 @@ TEST_F(Chooser, AStaleTimerChangesNothing)
     controller.showCalendar(MenuItem());
     Timer *second = timer();
     ASSERT_NE(first, second);
-    ASSERT_TRUE(first->isValid());
+    ASSERT_TRUE(platform.timers.validTimers().contains(first));
     picker().setDateValue(kFriday - 7 * kDay);
     g_selectedDateTime = kFriday - 7 * kDay;
     platform.timers.fire(first);
@@ -156,7 +156,7 @@ TEST_F(Chooser, AStaleTimerChangesNothing)
     set(SettingsKey::DynamicDateTimeChooser, false);
     controller.showCalendar(MenuItem());
     EXPECT_EQ(timer(), nullptr);
-    EXPECT_TRUE(second->isValid());
+    EXPECT_TRUE(platform.timers.validTimers().contains(second));
     picker().userChangesDateValue(kFriday - kDay);
     platform.timers.fire(second);
     EXPECT_EQ(g_selectedDateTime, kFriday - kDay);

@@ -187,7 +187,7 @@ TEST_F(MenuConstruction, TitleTimerIsCreatedOnceAndFirstSetsTheTitleAfterASecond
     item().openMenu();
     item().openMenu();
     ASSERT_EQ(platform.timers.validTimers().size(), 1);
-    EXPECT_EQ(platform.timers.validTimers().first()->timeInterval(), 1.0);
+    EXPECT_EQ(platform.timers.intervalOf(platform.timers.validTimers().first()), 1.0);
     EXPECT_EQ(item().titleSetCount(), 0);
     platform.timers.advance(1.0);
     EXPECT_EQ(item().title(), QStringLiteral("Mar 10, 2006"));

@@ -55,8 +55,8 @@ public:
           wholeSeconds(onWholeSeconds)
     {}
     void invalidate() override { m_valid = false; }
-    bool isValid() const override { return m_valid; }
-    double timeInterval() const override { return m_interval; }
+    bool isValid() const { return m_valid; }
+    double timeInterval() const { return m_interval; }
 
     double m_interval;
     AbsoluteTime nextFire;
@@ -131,6 +131,15 @@ QList<Timer *> ManualTimerScheduler::validTimers() const
             valid.append(timer.get());
     }
     return valid;
+}
+
+double ManualTimerScheduler::intervalOf(const Timer *timer) const
+{
+    for (const auto &candidate : m_timers) {
+        if (candidate.get() == timer)
+            return candidate->timeInterval();
+    }
+    return 0;
 }
 
 // --- status item ---

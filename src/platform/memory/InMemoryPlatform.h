@@ -80,6 +80,9 @@ public:
     void advance(double seconds);
     // The timers that are scheduled and valid, oldest first.
     QList<Timer *> validTimers() const;
+    // The interval a timer was scheduled with, 1 for a wall-clock second timer; 0 for a timer
+    // this scheduler did not make.
+    double intervalOf(const Timer *timer) const;
 
 private:
     ManualClock &m_clock;
@@ -92,7 +95,7 @@ public:
     void setTitle(const QString &title) override;
     QString title() const override { return m_title; }
     void setImage(const QString &imageName) override { m_image = imageName; }
-    QString image() const override { return m_image; }
+    QString image() const { return m_image; }
     void setMenu(Menu *menu) override { m_menu = menu; }
     Menu *menu() const override { return m_menu; }
     // Opens the menu as openMenu() does and remembers where it was asked to show.
@@ -135,7 +138,7 @@ public:
     void makeKeyAndOrderFront() override;
     void setFloating(bool floating) override { m_floating = floating; }
     void close() override;
-    bool isVisible() const override { return m_visible; }
+    bool isVisible() const { return m_visible; }
     bool isKey() const { return m_key; }
     bool isFloating() const { return m_floating; }
     int orderFrontCount() const { return m_orderFrontCount; }

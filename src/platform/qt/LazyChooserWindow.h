@@ -22,7 +22,7 @@ public:
     void setFloating(bool floating) override;
     bool isFloating() const { return m_floating; }
     void close() override;
-    bool isVisible() const override;
+    bool isVisible() const;
 
     // DatePicker: whole seconds, as the window keeps them.
     std::optional<AbsoluteTime> dateValue() const override;

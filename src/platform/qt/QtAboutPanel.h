@@ -17,7 +17,6 @@ public:
     void makeKeyAndOrderFront() override;
     void setFloating(bool floating) override;
     void close() override { QMessageBox::close(); }
-    bool isVisible() const override { return QMessageBox::isVisible(); }
 
 private:
     LocalWindowNotificationCenter &m_windowCenter;

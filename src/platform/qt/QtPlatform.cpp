@@ -32,7 +32,7 @@ class QtTimer final : public QObject, public Timer
 {
 public:
     QtTimer(double interval, TimerScheduler::Callback callback, QObject *owner)
-        : QObject(owner), m_interval(interval), m_callback(std::move(callback))
+        : QObject(owner), m_callback(std::move(callback))
     {
         m_timer.setTimerType(interval < 0.5 ? Qt::PreciseTimer : Qt::CoarseTimer);
         m_timer.setInterval(static_cast<int>(interval * 1000.0 + 0.5));
@@ -51,12 +51,9 @@ public:
         // Holders may still compare the pointer during the current event; delete afterwards.
         deleteLater();
     }
-    bool isValid() const override { return m_valid; }
-    double timeInterval() const override { return m_interval; }
 
 private:
     QTimer m_timer;
-    double m_interval;
     TimerScheduler::Callback m_callback;
     bool m_valid = true;
 };

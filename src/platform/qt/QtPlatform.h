@@ -58,7 +58,6 @@ public:
     void setTitle(const QString &title) override;
     QString title() const override { return m_title; }
     void setImage(const QString &imageName) override;
-    QString image() const override { return m_imageName; }
     void setMenu(Menu *menu) override { m_menu = menu; }
     Menu *menu() const override { return m_menu; }
     void popUpMenu(std::optional<QPoint> position) override;
@@ -99,7 +98,6 @@ public:
     void setTitle(const QString &title) override;
     QString title() const override { return m_title; }
     void setImage(const QString &imageName) override;
-    QString image() const override { return m_imageName; }
     void setMenu(Menu *menu) override;
     Menu *menu() const override { return m_menu; }
     void popUpMenu(std::optional<QPoint> position) override;
@@ -180,7 +178,6 @@ public:
     void makeKeyAndOrderFront() override;
     void setFloating(bool floating) override;
     void close() override { QWidget::close(); }
-    bool isVisible() const override { return QWidget::isVisible(); }
 
     // DatePicker
     std::optional<AbsoluteTime> dateValue() const override;

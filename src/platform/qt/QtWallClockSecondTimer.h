@@ -22,8 +22,6 @@ public:
     ~QtWallClockSecondTimer() override;
 
     void invalidate() override;
-    bool isValid() const override { return m_valid; }
-    double timeInterval() const override { return 1.0; }
 
 private:
     void arm();

@@ -33,7 +33,7 @@ public:
     void setTitle(const QString &title) override;
     QString title() const override { return m_title; }
     void setImage(const QString &imageName) override;
-    QString image() const override { return m_imageName; }
+    QString image() const { return m_imageName; }
     void setMenu(Menu *menu) override;
     Menu *menu() const override { return m_menu; }
 
