@@ -8,6 +8,7 @@
 #include <QDateTime>
 
 #include <cerrno>
+#include <poll.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -37,11 +38,29 @@ bool TitleFollower::inputCanClose()
     return S_ISFIFO(info.st_mode) || S_ISSOCK(info.st_mode) || isatty(STDIN_FILENO);
 }
 
+namespace {
+
+bool IsPipeOrSocket(int fd)
+{
+    struct stat info;
+    return fstat(fd, &info) == 0 && (S_ISFIFO(info.st_mode) || S_ISSOCK(info.st_mode));
+}
+
+} // namespace
+
 void TitleFollower::start()
 {
     if (inputCanClose()) {
         m_input = std::make_unique<QSocketNotifier>(STDIN_FILENO, QSocketNotifier::Read);
         connect(m_input.get(), &QSocketNotifier::activated, this, &TitleFollower::readInput);
+    }
+    // A bar that goes away may leave our input open (it was never the bar's, or the bar's
+    // children share it), and a title that changes once a day would not hit the closed pipe for
+    // hours. The poller reports a pipe or socket whose reader is gone as an error on our end,
+    // which wakes a read notifier, so the follower ends with its reader.
+    if (IsPipeOrSocket(STDOUT_FILENO)) {
+        m_output = std::make_unique<QSocketNotifier>(STDOUT_FILENO, QSocketNotifier::Read);
+        connect(m_output.get(), &QSocketNotifier::activated, this, &TitleFollower::checkOutput);
     }
     if (m_client) {
         // Watch first, so no change falls between the first read and the subscription.
@@ -64,6 +83,19 @@ void TitleFollower::readInput()
         m_input->setEnabled(false);
         QCoreApplication::exit(0);
     }
+}
+
+void TitleFollower::checkOutput()
+{
+    pollfd output{STDOUT_FILENO, 0, 0};
+    if (::poll(&output, 1, 0) == 1 && (output.revents & (POLLERR | POLLHUP | POLLNVAL))) {
+        m_output->setEnabled(false);
+        QCoreApplication::exit(0);
+        return;
+    }
+    // Something readable on a socket we only write to (its peer wrote back): not ours to read,
+    // and left unread it would wake us at every turn of the loop.
+    m_output->setEnabled(false);
 }
 
 void TitleFollower::runningChanged(bool running)

@@ -15,9 +15,9 @@
 class HoraloBusClient;
 
 // `horalo title --follow`: prints the title as a line each time it changes, at once and then
-// as it ticks, until standard input closes. While a Horalo runs in the session the lines follow
-// its title (so a moment picked in its chooser shows); while none runs, the title is rendered
-// here every second, on the second, from the same settings.
+// as it ticks, until standard input closes or nobody reads standard output any more. While a Horalo
+// runs in the session the lines follow its title (so a moment picked in its chooser shows); while
+// none runs, the title is rendered here every second, on the second, from the same settings.
 class TitleFollower final : public QObject
 {
     Q_OBJECT
@@ -36,7 +36,7 @@ public:
     ~TitleFollower() override;
 
     // Prints the first line and starts following. Ends the event loop with status 0 when
-    // standard input closes.
+    // standard input closes, or when standard output is a pipe or socket whose reader is gone.
     void start();
 
     // Whether standard input is something that can close under us (a pipe, a socket, a
@@ -54,6 +54,7 @@ private:
     StatusBarState stateWithTitle(const QString &title, std::optional<AbsoluteTime> picked) const;
     std::optional<AbsoluteTime> runningPickedMoment() const;
     void readInput();
+    void checkOutput();
 
     Format m_format;
     QTextStream &m_out;
@@ -62,6 +63,7 @@ private:
     SystemClock m_clock;
     QTimer m_tick;
     std::unique_ptr<QSocketNotifier> m_input;
+    std::unique_ptr<QSocketNotifier> m_output;
     bool m_followingRunning = false;
     QString m_title;
     std::optional<QString> m_lastLine;

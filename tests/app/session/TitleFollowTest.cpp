@@ -1,6 +1,7 @@
 // `horalo title --follow` as a status bar runs it: lines of consecutive seconds with a
 // %H:%M:%S title, a change of the settings shown at the next tick, JSON that parses, and an end
-// when standard input closes; with a running Horalo (followed over the bus) and without.
+// when standard input closes or its output has no reader; with a running Horalo (followed over the
+// bus) and without.
 
 #include "HoraloProcess.h"
 #include "support/QtPrinters.h"
@@ -114,6 +115,22 @@ TEST(TitleFollowWithoutHoralo, JsonLinesParse)
         EXPECT_EQ(line.value(QStringLiteral("class")).toString(), QStringLiteral("now"));
     }
     ExpectEndsWhenInputCloses(follower);
+}
+
+// A bar that goes away may leave the follower's input open; with a title that changes once a
+// day nothing would be written to notice, and the follower would outlive its bar by hours.
+TEST(TitleFollowWithoutHoralo, EndsWhenNothingReadsItsOutput)
+{
+    TestUser user;
+    // The shell ends when both ends of its pipe have; our input stays open throughout.
+    QProcess pipeline;
+    pipeline.setProcessEnvironment(user.environment(QString()));
+    pipeline.start(QStringLiteral("sh"),
+                   {QStringLiteral("-c"), QStringLiteral("\"$0\" title --follow | head -n 1"),
+                    HoraloBinary()});
+    ASSERT_TRUE(pipeline.waitForFinished(8000)) << "still running with nobody reading";
+    EXPECT_EQ(pipeline.exitCode(), 0);
+    EXPECT_EQ(pipeline.readAllStandardOutput().count('\n'), 1);
 }
 
 class TitleFollowWithHoralo : public RunningHoralo
