@@ -1,6 +1,8 @@
 #include "SniItemFixture.h"
 
+#include <QDBusConnectionInterface>
 #include <QDBusObjectPath>
+#include <QDBusServiceWatcher>
 #include <QFileInfo>
 #include <QImageReader>
 #include <QRegularExpression>
@@ -14,6 +16,16 @@ TEST_F(ItemPropertiesTest, RegistersOnceUnderANameOfItsOwn)
     const QRegularExpression pattern(QStringLiteral("^org\\.kde\\.StatusNotifierItem-%1-[0-9]+$")
                                          .arg(QCoreApplication::applicationPid()));
     EXPECT_TRUE(pattern.match(item->serviceName()).hasMatch()) << item->serviceName().toStdString();
+
+    // The bus may announce the watcher's owner after the item has asked that owner already (the
+    // watcher took its name while the item was being made): one registration all the same.
+    auto *owners = item->findChild<QDBusServiceWatcher *>();
+    ASSERT_NE(owners, nullptr);
+    const QString owner =
+        QDBusConnection::sessionBus().interface()->serviceOwner(SniStatusItem::watcherService());
+    Q_EMIT owners->serviceOwnerChanged(SniStatusItem::watcherService(), QString(), owner);
+    Settle();
+    EXPECT_EQ(watcher->registeredItems(), QStringList{item->serviceName()});
 }
 
 TEST_F(ItemPropertiesTest, DescribeAClockWhoseItemIsItsMenu)

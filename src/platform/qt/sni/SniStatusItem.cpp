@@ -88,7 +88,7 @@ SniStatusItem::SniStatusItem(const QDBusConnection &connection, QObject *parent)
       m_serviceName(QStringLiteral("org.kde.StatusNotifierItem-%1-%2")
                         .arg(QCoreApplication::applicationPid())
                         .arg(g_nextItemNumber++)),
-      m_adaptor(nullptr), m_exporter(nullptr)
+      m_adaptor(nullptr), m_exporter(nullptr), m_watcherWatcher(this)
 {
     RegisterSniTypes();
     m_adaptor = new StatusNotifierItemAdaptor(this);

@@ -68,6 +68,7 @@ private:
     bool m_exported = false;
     StatusNotifierItemAdaptor *m_adaptor;
     DBusMenuExporter *m_exporter;
+    // A child, so that a test can play the bus announcing a watcher late.
     QDBusServiceWatcher m_watcherWatcher;
     QString m_registeringWith; // the watcher owner asked last, or empty
     bool m_registered = false;
