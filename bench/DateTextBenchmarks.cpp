@@ -3,6 +3,7 @@
 
 #include "datetext/DateText.h"
 #include "datetext/LocalEnvironment.h"
+#include "datetext/LocaleDefaults.h"
 #include "datetext/NSDateExtensions.h"
 
 #include <benchmark/benchmark.h>

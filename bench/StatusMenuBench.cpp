@@ -7,6 +7,7 @@
 #include "app/cli/DescribeMenu.h"
 #include "app/settings/Settings.h"
 #include "datetext/DateText.h"
+#include "datetext/LocaleDefaults.h"
 #include "platform/memory/InMemoryPlatform.h"
 #include "platform/store/PlistPreferencesStore.h"
 

@@ -4,7 +4,7 @@
 #include "app/AppController.h"
 #include "app/DeferToRunningInstance.h"
 #include "app/SessionController.h"
-#include "datetext/DateText.h"
+#include "datetext/LocaleDefaults.h"
 #include "platform/Version.h"
 #include "platform/dbus/DBusNotificationCenter.h"
 #include "platform/qt/DesktopSession.h"

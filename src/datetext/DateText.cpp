@@ -1,5 +1,6 @@
 #include "datetext/DateText.h"
 
+#include "datetext/IcuText.h"
 #include "datetext/LocalEnvironment.h"
 
 #include <unicode/datefmt.h>
@@ -38,11 +39,6 @@ std::optional<icu::DateFormat::EStyle> IcuStyle(DateFormatterStyle style)
         return icu::DateFormat::kFull;
     }
     return std::nullopt;
-}
-
-QString FromIcu(const icu::UnicodeString &text)
-{
-    return QString(reinterpret_cast<const QChar *>(text.getBuffer()), text.length());
 }
 } // namespace
 

@@ -110,11 +110,3 @@ QString DescriptionWithCalendarFormat(const CalendarDate &date, const QString &f
 // Renders with gUserDefaultsDictionary as the locale once it exists. A null result (also for a
 // missing date or a null format) means the text cannot be produced.
 QString MakeFormattedDateString(const std::optional<CalendarDate> &date, const QString &format);
-
-// The current locale's names and patterns under the locale-dictionary keys (NSMonthNameArray,
-// NSShortMonthNameArray, NSWeekDayNameArray, NSShortWeekDayNameArray, NSAMPMDesignation,
-// NSTimeDateFormatString, NSDateFormatString, NSTimeFormatString): the registration layer of
-// the user defaults.
-QVariantMap LocaleDefaultsRegistration();
-// Every key that LocaleDefaultsRegistration() can hold, whatever the locale.
-QStringList LocaleDefaultsKeys();

@@ -1,5 +1,7 @@
 #include "datetext/LocalEnvironment.h"
 
+#include "datetext/IcuText.h"
+
 #include <QByteArrayView>
 
 #include <cmath>
@@ -54,9 +56,7 @@ QTimeZone QTimeZoneForIcuZone(const icu::TimeZone &zone, AbsoluteTime instant)
 {
     icu::UnicodeString id;
     zone.getID(id);
-    std::string utf8;
-    id.toUTF8String(utf8);
-    QTimeZone qtZone(QByteArray::fromStdString(utf8));
+    QTimeZone qtZone(FromIcu(id).toUtf8());
     if (qtZone.isValid())
         return qtZone;
     const std::optional<qint64> ms = UnixMillisecondsFromAbsoluteTime(instant);

@@ -1,6 +1,6 @@
 #include "datetext/LocaleDefaults.h"
 
-#include "datetext/DateText.h"
+#include "datetext/IcuText.h"
 #include "datetext/LocalEnvironment.h"
 
 #include <QStringList>
@@ -25,11 +25,6 @@ const QString kAMPMDesignation = QStringLiteral("NSAMPMDesignation");
 const QString kTimeDateFormatString = QStringLiteral("NSTimeDateFormatString");
 const QString kDateFormatString = QStringLiteral("NSDateFormatString");
 const QString kTimeFormatString = QStringLiteral("NSTimeFormatString");
-
-QString FromIcu(const icu::UnicodeString &text)
-{
-    return QString(reinterpret_cast<const QChar *>(text.getBuffer()), text.length());
-}
 
 QStringList NamesFromIcu(const icu::UnicodeString *names, int32_t count, int32_t first = 0)
 {

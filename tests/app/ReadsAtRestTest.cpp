@@ -5,6 +5,7 @@
 #include "app/AppController.h"
 #include "app/cli/DescribeMenu.h"
 #include "datetext/DateText.h"
+#include "datetext/LocaleDefaults.h"
 #include "platform/memory/InMemoryPlatform.h"
 #include "platform/store/PlistPreferencesStore.h"
 #include "support/QtPrinters.h"

@@ -8,6 +8,7 @@
 
 #include "FuzzCheck.h"
 #include "datetext/DateText.h"
+#include "datetext/LocaleDefaults.h"
 
 #include <QTimeZone>
 

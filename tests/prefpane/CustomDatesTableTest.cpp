@@ -4,6 +4,7 @@
 #include "PrefPaneFixture.h"
 #include "datetext/DateText.h"
 #include "datetext/DateTextTestSupport.h"
+#include "datetext/LocaleDefaults.h"
 #include "prefpane/PrefPaneLayout.h"
 
 #include <QDataStream>

@@ -4,6 +4,7 @@
 #include "app/settings/Settings.h"
 #include "datetext/DateText.h"
 #include "datetext/DateTextTestSupport.h"
+#include "datetext/LocaleDefaults.h"
 #include "platform/memory/InMemoryPlatform.h"
 #include "prefpane/AutostartEntry.h"
 #include "prefpane/CustomDatesTableModel.h"

@@ -2,6 +2,7 @@
 
 #include "app/cli/TerminalText.h"
 #include "datetext/DateText.h"
+#include "datetext/LocaleDefaults.h"
 
 HeadlessApplication::HeadlessApplication(const TimeOptions &options)
     : m_platform(options.now.value_or(SystemClock().currentAbsoluteTime()), &m_store)

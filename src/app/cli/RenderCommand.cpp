@@ -5,6 +5,7 @@
 #include "app/cli/TimeArgument.h"
 #include "datetext/DateFormatCatalogue.h"
 #include "datetext/DateText.h"
+#include "datetext/LocaleDefaults.h"
 #include "datetext/NSDateExtensions.h"
 #include "platform/Clock.h"
 
