@@ -121,46 +121,6 @@ QString StyledTitleText(const Clock &clock, DateFormatterStyle dateStyle,
     return QString::fromUtf8(buffer);
 }
 
-QString ShortDateString(const Clock &clock)
-{
-    return StyledTitleText(clock, kShortStyle, kNoStyle);
-}
-
-QString ShortDateTimeString(const Clock &clock)
-{
-    return StyledTitleText(clock, kShortStyle, kShortStyle);
-}
-
-QString MediumDateString(const Clock &clock)
-{
-    return StyledTitleText(clock, kMediumStyle, kNoStyle);
-}
-
-QString MediumDateTimeString(const Clock &clock)
-{
-    return StyledTitleText(clock, kMediumStyle, kMediumStyle);
-}
-
-QString LongDateString(const Clock &clock)
-{
-    return StyledTitleText(clock, kLongStyle, kNoStyle);
-}
-
-QString LongDateTimeString(const Clock &clock)
-{
-    return StyledTitleText(clock, kLongStyle, kLongStyle);
-}
-
-QString FullDateString(const Clock &clock)
-{
-    return StyledTitleText(clock, kFullStyle, kNoStyle);
-}
-
-QString FullDateTimeString(const Clock &clock)
-{
-    return StyledTitleText(clock, kFullStyle, kFullStyle);
-}
-
 QString GMTString(const Clock &clock)
 {
     return DefaultDescription(clock.currentAbsoluteTime());

@@ -58,16 +58,6 @@ inline constexpr qint32 kDateStringBufferSize = 4096;
 QString StyledTitleText(const Clock &clock, DateFormatterStyle dateStyle,
                         DateFormatterStyle timeStyle);
 
-// The title operations: the working instant's text in their style pair, or "Horalo".
-QString ShortDateString(const Clock &clock);
-QString ShortDateTimeString(const Clock &clock);
-QString MediumDateString(const Clock &clock);
-QString MediumDateTimeString(const Clock &clock);
-QString LongDateString(const Clock &clock);
-QString LongDateTimeString(const Clock &clock);
-QString FullDateString(const Clock &clock);
-QString FullDateTimeString(const Clock &clock);
-
 // --- the default description: "YYYY-MM-DD HH:MM:SS ±HHMM" in the local zone ---
 
 QString DefaultDescription(AbsoluteTime instant);

@@ -35,7 +35,6 @@ public:
     explicit InMemoryPopUpButton(QStringList titles = {}, int selectedIndex = -1)
         : m_titles(std::move(titles)), m_selected(selectedIndex)
     {}
-    QStringList itemTitles() const override { return m_titles; }
     int indexOfSelectedItem() const override { return m_selected; }
     QString itemTitleAtIndex(int index) const override;
     bool selectItemWithTitle(const QString &title) override;

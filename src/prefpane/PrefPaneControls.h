@@ -47,7 +47,6 @@ public:
 class PopUpButton : public Control
 {
 public:
-    virtual QStringList itemTitles() const = 0;
     // -1 when no item is selected.
     virtual int indexOfSelectedItem() const = 0;
     // A null QString when there is no item at that index.

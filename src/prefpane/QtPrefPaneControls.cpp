@@ -30,14 +30,6 @@ void QtCheckBox::setState(int state)
         m_box->setCheckState(Qt::Checked);
 }
 
-QStringList QtPopUpButton::itemTitles() const
-{
-    QStringList titles;
-    for (int i = 0; i < m_comboBox->count(); ++i)
-        titles.append(m_comboBox->itemText(i));
-    return titles;
-}
-
 int QtPopUpButton::indexOfSelectedItem() const
 {
     return m_comboBox->currentIndex();

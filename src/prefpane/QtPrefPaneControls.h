@@ -26,7 +26,6 @@ class QtPopUpButton final : public PopUpButton
 {
 public:
     explicit QtPopUpButton(QComboBox *comboBox) : m_comboBox(comboBox) {}
-    QStringList itemTitles() const override;
     int indexOfSelectedItem() const override;
     QString itemTitleAtIndex(int index) const override;
     bool selectItemWithTitle(const QString &title) override;

@@ -184,6 +184,11 @@ protected:
         m_environment.setLocaleAndZone("en_US.UTF-8", "America/New_York");
         g_selectedDateTime = 0;
     }
+    // What the title shows for a title name; "(none)" when the name is no title's.
+    QString title(QStringView name) const
+    {
+        return TitleFormatText(name, m_clock).value_or(u"(none)"_s);
+    }
     ScopedDateEnvironment m_environment;
     // "Now" is 2006-03-10 14:31:47 EST; the picked moment is 1999-12-31 23:59:59 EST.
     TestClock m_clock{FromUnix(kFridayUnix)};
@@ -194,7 +199,7 @@ TEST_F(WorkingInstantTest, NothingPickedMeansNowEverywhere)
 {
     EXPECT_EQ(WorkingInstant(m_clock), FromUnix(kFridayUnix));
     EXPECT_EQ(MakeCurrentDateTimeStringRef(m_clock, kMediumStyle, kNoStyle), u"Mar 10, 2006"_s);
-    EXPECT_EQ(MediumDateString(m_clock), u"Mar 10, 2006"_s);
+    EXPECT_EQ(title(u"Medium Date"), u"Mar 10, 2006"_s);
 }
 
 TEST_F(WorkingInstantTest, APickedMomentReplacesNowInTheWorkingInstantRenderers)
@@ -202,14 +207,14 @@ TEST_F(WorkingInstantTest, APickedMomentReplacesNowInTheWorkingInstantRenderers)
     g_selectedDateTime = m_picked;
     EXPECT_EQ(WorkingInstant(m_clock), m_picked);
     EXPECT_EQ(MakeCurrentDateTimeStringRef(m_clock, kMediumStyle, kNoStyle), u"Dec 31, 1999"_s);
-    EXPECT_EQ(ShortDateString(m_clock), u"12/31/99"_s);
-    EXPECT_EQ(ShortDateTimeString(m_clock), u"12/31/99, 11:59\u202FPM"_s);
-    EXPECT_EQ(MediumDateString(m_clock), u"Dec 31, 1999"_s);
-    EXPECT_EQ(MediumDateTimeString(m_clock), u"Dec 31, 1999, 11:59:59\u202FPM"_s);
-    EXPECT_EQ(LongDateString(m_clock), u"December 31, 1999"_s);
-    EXPECT_EQ(LongDateTimeString(m_clock), u"December 31, 1999 at 11:59:59\u202FPM EST"_s);
-    EXPECT_EQ(FullDateString(m_clock), u"Friday, December 31, 1999"_s);
-    EXPECT_EQ(FullDateTimeString(m_clock),
+    EXPECT_EQ(title(u"Short Date"), u"12/31/99"_s);
+    EXPECT_EQ(title(u"Short Date Time"), u"12/31/99, 11:59\u202FPM"_s);
+    EXPECT_EQ(title(u"Medium Date"), u"Dec 31, 1999"_s);
+    EXPECT_EQ(title(u"Medium Date Time"), u"Dec 31, 1999, 11:59:59\u202FPM"_s);
+    EXPECT_EQ(title(u"Long Date"), u"December 31, 1999"_s);
+    EXPECT_EQ(title(u"Long Date Time"), u"December 31, 1999 at 11:59:59\u202FPM EST"_s);
+    EXPECT_EQ(title(u"Full Date"), u"Friday, December 31, 1999"_s);
+    EXPECT_EQ(title(u"Full Date Time"),
               u"Friday, December 31, 1999 at 11:59:59\u202FPM Eastern Standard Time"_s);
 }
 
@@ -220,22 +225,20 @@ TEST_F(WorkingInstantTest, TheAlwaysNowRenderersIgnoreThePickedMoment)
               u"Mar 10, 2006, 2:31\u202FPM"_s);
     EXPECT_EQ(GMTString(m_clock), u"2006-03-10 14:31:47 -0500"_s);
     EXPECT_EQ(NumericalDateString(m_clock), u"2006-03-10"_s);
-    const std::optional<QString> gmtTitle = TitleFormatText(u"GMT", m_clock);
-    ASSERT_TRUE(gmtTitle.has_value());
-    EXPECT_EQ(*gmtTitle, u"2006-03-10 14:31:47 -0500"_s);
+    EXPECT_EQ(title(u"GMT"), u"2006-03-10 14:31:47 -0500"_s);
 }
 
 TEST_F(WorkingInstantTest, ANegativeMomentBeforeTheReferenceDateIsAMomentToo)
 {
     g_selectedDateTime = -1;
-    EXPECT_EQ(MediumDateTimeString(m_clock), u"Dec 31, 2000, 6:59:59\u202FPM"_s);
+    EXPECT_EQ(title(u"Medium Date Time"), u"Dec 31, 2000, 6:59:59\u202FPM"_s);
 }
 
 TEST_F(WorkingInstantTest, TitleOperationsFallBackToTheProgramsName)
 {
     g_selectedDateTime = std::nan("");
-    EXPECT_EQ(ShortDateString(m_clock), u"Horalo"_s);
-    EXPECT_EQ(FullDateTimeString(m_clock), u"Horalo"_s);
+    EXPECT_EQ(title(u"Short Date"), u"Horalo"_s);
+    EXPECT_EQ(title(u"Full Date Time"), u"Horalo"_s);
     EXPECT_TRUE(MakeCurrentDateTimeStringRef(m_clock, kShortStyle, kNoStyle).isNull());
 }
 

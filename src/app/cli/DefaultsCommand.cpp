@@ -317,15 +317,6 @@ int Delete(PreferencesStore &store, DistributedNotificationCenter *center, const
     return SaveAndAnnounce(store, center, err);
 }
 
-} // namespace
-
-QString DescribeDefaultsValue(const QVariant &value)
-{
-    return Describe(value, 0, true);
-}
-
-namespace {
-
 const QString kDefaultsHelp = QStringLiteral(
     "Usage: horalo defaults read [KEY]\n"
     "       horalo defaults write KEY -TYPE VALUE\n"

@@ -2,7 +2,6 @@
 
 #include <QStringList>
 #include <QTextStream>
-#include <QVariant>
 
 class DistributedNotificationCenter;
 class PreferencesStore;
@@ -16,8 +15,3 @@ int RunDefaultsCommand(const QStringList &args, QTextStream &out, QTextStream &e
 // The same on a given store; a change is announced on center when there is one.
 int RunDefaultsCommandOn(PreferencesStore &store, DistributedNotificationCenter *center,
                          const QStringList &args, QTextStream &out, QTextStream &err);
-
-// A value as `read` prints it: booleans as 1 or 0, dates in ISO 8601 (UTC), a string as it is
-// at the top level and quoted inside lists and dictionaries unless it is a plain word, lists
-// as ( ... ) and dictionaries as { key = value; }, four spaces per level.
-QString DescribeDefaultsValue(const QVariant &value);

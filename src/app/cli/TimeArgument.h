@@ -3,7 +3,6 @@
 #include "platform/AbsoluteTime.h"
 
 #include <QString>
-#include <QStringList>
 
 #include <optional>
 
@@ -27,7 +26,3 @@ struct TimeOptions
     std::optional<AbsoluteTime> now;
     std::optional<AbsoluteTime> at;
 };
-
-// Takes --now and --at (with their values) out of args. On bad input returns false and sets
-// error to a one-line message (without a prefix).
-bool TakeTimeOptions(QStringList &args, TimeOptions &options, QString &error);

@@ -56,39 +56,4 @@ TEST(ParseTimeArgumentTest, RejectsWhatIsNotAnInstant)
         EXPECT_FALSE(ParseTimeArgument(text).has_value()) << text.toStdString();
 }
 
-TEST(TakeTimeOptionsTest, TakesBothOptionsInEitherSpellingAndLeavesTheRest)
-{
-    QStringList args{u"Long Date"_s, u"--now"_s, u"@5"_s, u"--at=@7"_s, u"--depth"_s, u"2"_s};
-    TimeOptions options;
-    QString error;
-    ASSERT_TRUE(TakeTimeOptions(args, options, error));
-    EXPECT_EQ(args, QStringList({u"Long Date"_s, u"--depth"_s, u"2"_s}));
-    EXPECT_EQ(options.now, FromUnix(5));
-    EXPECT_EQ(options.at, FromUnix(7));
-}
-
-TEST(TakeTimeOptionsTest, StopsAtDoubleDash)
-{
-    QStringList args{u"--format"_s, u"--"_s, u"--at"_s};
-    TimeOptions options;
-    QString error;
-    ASSERT_TRUE(TakeTimeOptions(args, options, error));
-    EXPECT_EQ(args, QStringList({u"--format"_s, u"--"_s, u"--at"_s}));
-    EXPECT_FALSE(options.at.has_value());
-}
-
-TEST(TakeTimeOptionsTest, AMissingOrUnreadableTimeIsAOneLineError)
-{
-    for (const QStringList &bad : {QStringList{u"--now"_s}, QStringList{u"--at"_s, u"soon"_s},
-                                   QStringList{u"--now=2006"_s}}) {
-        QStringList args = bad;
-        TimeOptions options;
-        QString error;
-        EXPECT_FALSE(TakeTimeOptions(args, options, error));
-        EXPECT_FALSE(error.isEmpty());
-        EXPECT_FALSE(error.startsWith(u"horalo"_s)) << "the printer adds the one prefix";
-        EXPECT_FALSE(error.contains(QLatin1Char('\n')));
-    }
-}
-
 } // namespace
