@@ -1,5 +1,6 @@
 #include "app/cli/Cli.h"
 
+#include "app/cli/CommandParser.h"
 #include "app/cli/DefaultsCommand.h"
 #include "app/cli/MenuCommand.h"
 #include "app/cli/RenderCommand.h"
@@ -7,8 +8,6 @@
 #include "app/cli/TerminalText.h"
 #include "app/cli/TimeArgument.h"
 #include "platform/Version.h"
-
-#include <QCommandLineParser>
 
 #include <cstdio>
 
@@ -69,27 +68,12 @@ QString GeneralHelp()
 std::optional<int> RunGeneralOptions(const QStringList &arguments, QTextStream &out,
                                      QTextStream &err)
 {
-    QCommandLineParser parser;
-    const QCommandLineOption help({u"h"_s, u"help"_s}, u"Show the help."_s);
-    const QCommandLineOption version(u"version"_s, u"Print the version."_s);
-    parser.addOption(help);
-    parser.addOption(version);
-    // Everything from the command word on belongs to the command.
-    parser.setOptionsAfterPositionalArgumentsMode(QCommandLineParser::ParseAsPositionalArguments);
-    if (!parser.parse(arguments)) {
-        const QStringList unknown = parser.unknownOptionNames();
-        PrintCommandLineError(
-            err, unknown.isEmpty()
-                     ? parser.errorText()
-                     : u"unknown option '%1%2' (try 'horalo --help')"_s.arg(
-                           unknown.first().size() == 1 ? u"-"_s : u"--"_s, unknown.first()));
-        return 2;
-    }
-    if (parser.isSet(help)) {
-        out << GeneralHelp();
-        return 0;
-    }
-    if (parser.isSet(version)) {
+    CommandParser parser(GeneralHelp());
+    parser.addOption({u"version"_s, u"Print the version."_s});
+    parser.setUnknownOptionMessage(u"unknown option '%1' (try 'horalo --help')"_s);
+    if (const std::optional<int> status = parser.parse(arguments.mid(1), out, err))
+        return status;
+    if (parser.isSet(u"version"_s)) {
         out << "horalo " << HORALO_VERSION << '\n';
         return 0;
     }

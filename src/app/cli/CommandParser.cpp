@@ -2,6 +2,8 @@
 
 #include "app/cli/TerminalText.h"
 
+#include <QRegularExpression>
+
 namespace {
 
 const QString kHelp = QStringLiteral("help");
@@ -33,6 +35,19 @@ QString Wrapped(const QString &text)
     return wrapped;
 }
 
+// A whole number that fits in 32 bits, sign and digits only: "2", "-1", "+7".
+std::optional<qint32> ParseInteger(const QString &text)
+{
+    static const QRegularExpression pattern(QStringLiteral("^[+-]?\\d+$"));
+    if (!pattern.match(text).hasMatch())
+        return std::nullopt;
+    bool ok = false;
+    const int value = text.toInt(&ok);
+    if (!ok)
+        return std::nullopt;
+    return value;
+}
+
 } // namespace
 
 CommandParser::CommandParser(const QStringList &usage, const QString &description) : m_usage(usage)
@@ -40,6 +55,13 @@ CommandParser::CommandParser(const QStringList &usage, const QString &descriptio
     m_parser.setApplicationDescription(Wrapped(description));
     m_parser.setSingleDashWordOptionMode(QCommandLineParser::ParseAsCompactedShortOptions);
     m_parser.addOption({{QStringLiteral("h"), kHelp}, QStringLiteral("Show this help.")});
+}
+
+CommandParser::CommandParser(const QString &help) : CommandParser({}, {})
+{
+    m_help = help;
+    m_takesArguments = true;
+    m_parser.setOptionsAfterPositionalArgumentsMode(QCommandLineParser::ParseAsPositionalArguments);
 }
 
 void CommandParser::addOption(const QCommandLineOption &option)
@@ -59,13 +81,32 @@ void CommandParser::addTimeOptions()
                         QStringLiteral("TIME")});
 }
 
+void CommandParser::addIntegerOption(const QCommandLineOption &option, const QString &expected,
+                                     qint32 min, qint32 max)
+{
+    m_parser.addOption(option);
+    m_integers.append({option.names().constLast(), expected, min, max, std::nullopt});
+}
+
 void CommandParser::addArgument(const QString &name, const QString &description)
 {
+    m_takesArguments = true;
     m_parser.addPositionalArgument(name, description);
+}
+
+std::optional<qint32> CommandParser::integer(const QString &name) const
+{
+    for (const IntegerOption &option : m_integers) {
+        if (option.name == name)
+            return option.value;
+    }
+    return std::nullopt;
 }
 
 QString CommandParser::helpText() const
 {
+    if (!m_help.isEmpty())
+        return m_help;
     // Qt's own usage line names the executable as it was started; ours names the command.
     QString help;
     for (qsizetype i = 0; i < m_usage.size(); ++i)
@@ -82,9 +123,8 @@ std::optional<int> CommandParser::parse(const QStringList &args, QTextStream &ou
 {
     if (!m_parser.parse(QStringList{QStringLiteral("horalo")} + args)) {
         const QStringList unknown = m_parser.unknownOptionNames();
-        QString message = unknown.isEmpty()
-                              ? m_parser.errorText()
-                              : QStringLiteral("unknown option '%1'").arg(Spelled(unknown.first()));
+        QString message = unknown.isEmpty() ? m_parser.errorText()
+                                            : m_unknownOption.arg(Spelled(unknown.first()));
         if (message.endsWith(QLatin1Char('.')))
             message.chop(1);
         if (!message.isEmpty())
@@ -96,6 +136,18 @@ std::optional<int> CommandParser::parse(const QStringList &args, QTextStream &ou
         out << helpText();
         return 0;
     }
+    if (const std::optional<int> status = readValues(err))
+        return status;
+    if (!m_takesArguments && !positional().isEmpty()) {
+        PrintCommandLineError(err,
+                              QStringLiteral("unexpected argument '%1'").arg(positional().first()));
+        return 2;
+    }
+    return std::nullopt;
+}
+
+std::optional<int> CommandParser::readValues(QTextStream &err)
+{
     if (m_timeOptions) {
         QString error;
         for (const QString &name : {kNow, kAt}) {
@@ -107,6 +159,18 @@ std::optional<int> CommandParser::parse(const QStringList &args, QTextStream &ou
                 return 2;
             }
             (name == kNow ? m_time.now : m_time.at) = time;
+        }
+    }
+    for (IntegerOption &option : m_integers) {
+        if (!m_parser.isSet(option.name))
+            continue;
+        const QString text = m_parser.value(option.name);
+        option.value = ParseInteger(text);
+        if (!option.value || *option.value < option.min || *option.value > option.max) {
+            option.value.reset();
+            PrintCommandLineError(err, QStringLiteral("%1 needs %2, not '%3'")
+                                           .arg(Spelled(option.name), option.expected, text));
+            return 2;
         }
     }
     return std::nullopt;

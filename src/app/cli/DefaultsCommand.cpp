@@ -1,5 +1,7 @@
 #include "app/cli/DefaultsCommand.h"
 
+#include "app/cli/CommandApplication.h"
+#include "app/cli/CommandParser.h"
 #include "app/cli/TerminalText.h"
 #include "app/settings/Settings.h"
 #include "platform/AppIdentifier.h"
@@ -8,16 +10,16 @@
 #include "platform/store/PlistPreferencesStore.h"
 #include "platform/store/PropertyList.h"
 
-#include <QCoreApplication>
 #include <QDateTime>
 
 #include <cmath>
-#include <memory>
 #include <optional>
 
 namespace {
 
 const QString kTypeFlags = QStringLiteral("-bool, -int, -float, -string, -date or -array");
+const QString kUnknownVerb =
+    QStringLiteral("unknown defaults command '%1' (read, write or delete)");
 
 // How long a write waits for the bus to pass its broadcast on before the process exits.
 constexpr int kBroadcastFlushMs = 1000;
@@ -353,10 +355,8 @@ int RunDefaultsCommandOn(PreferencesStore &store, DistributedNotificationCenter 
     else if (verb == u"delete")
         status = Delete(store, center, args, err);
     else
-        PrintError(err, verb.isEmpty()
-                            ? QStringLiteral("defaults needs read, write or delete")
-                            : QStringLiteral("unknown defaults command ") + Quoted(verb) +
-                                  QStringLiteral(" (read, write or delete)"));
+        PrintError(err, verb.isEmpty() ? QStringLiteral("defaults needs read, write or delete")
+                                       : kUnknownVerb.arg(verb));
     // A damaged file read as empty, or kept aside by this write: the user should know.
     const QString problem = store.takeProblem();
     if (!problem.isEmpty())
@@ -366,27 +366,21 @@ int RunDefaultsCommandOn(PreferencesStore &store, DistributedNotificationCenter 
 
 int RunDefaultsCommand(const QStringList &args, QTextStream &out, QTextStream &err)
 {
-    const QString verb = args.value(0);
-    // The type flags are single-dash words that no general parser reads as such; only help is
-    // an option here.
-    if (verb == u"--help" || verb == u"-h") {
-        out << kDefaultsHelp;
-        return 0;
-    }
+    // Help is the one option, and only before the verb: after it, the type flags and values
+    // are single-dash words of the verb's own grammar.
+    CommandParser parser(kDefaultsHelp);
+    parser.setUnknownOptionMessage(kUnknownVerb);
+    if (const std::optional<int> status = parser.parse(args, out, err))
+        return *status;
+    const QStringList words = parser.positional();
+    const QString verb = words.value(0);
     PlistPreferencesStore store;
     if (verb != u"write" && verb != u"delete")
-        return RunDefaultsCommandOn(store, nullptr, args, out, err);
+        return RunDefaultsCommandOn(store, nullptr, words, out, err);
 
-    // The bus connection wants an application object; the command line may not have one.
-    int argc = 1;
-    char name[] = "horalo";
-    char *argv[] = {name, nullptr};
-    std::unique_ptr<QCoreApplication> application;
-    if (!QCoreApplication::instance())
-        application = std::make_unique<QCoreApplication>(argc, argv);
-
+    const CommandApplication application;
     DBusNotificationCenter center;
-    const int status = RunDefaultsCommandOn(store, &center, args, out, err);
+    const int status = RunDefaultsCommandOn(store, &center, words, out, err);
     // Let the bus pass the broadcast on before this process, and its connection, go away.
     center.flush(kBroadcastFlushMs);
     return status;

@@ -12,6 +12,7 @@ class PreferencesStore;
 // prints one line on `err`, exits 2 and leaves the store as it was.
 int RunDefaultsCommand(const QStringList &args, QTextStream &out, QTextStream &err);
 
-// The same on a given store; a change is announced on center when there is one.
+// The same on a given store, for the words after the options (the verb and its arguments); a
+// change is announced on center when there is one.
 int RunDefaultsCommandOn(PreferencesStore &store, DistributedNotificationCenter *center,
                          const QStringList &args, QTextStream &out, QTextStream &err);

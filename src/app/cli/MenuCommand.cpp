@@ -20,14 +20,6 @@ int Fail(QTextStream &err, const QString &message)
     return 2;
 }
 
-bool NoArgumentsLeft(const CommandParser &parser, QTextStream &err)
-{
-    if (parser.positional().isEmpty())
-        return true;
-    PrintCommandLineError(err, u"unexpected argument '%1'"_s.arg(parser.positional().first()));
-    return false;
-}
-
 } // namespace
 
 int RunMenuCommand(const QStringList &args, QTextStream &out, QTextStream &err)
@@ -38,8 +30,6 @@ int RunMenuCommand(const QStringList &args, QTextStream &out, QTextStream &err)
     parser.addTimeOptions();
     if (const std::optional<int> status = parser.parse(args, out, err))
         return *status;
-    if (!NoArgumentsLeft(parser, err))
-        return 2;
     HeadlessApplication app(parser.time());
     // What the user sees: the menu as rebuilt when it is about to open.
     app.platform().statusItem()->openMenu();
@@ -63,8 +53,6 @@ int RunTitleCommand(const QStringList &args, QTextStream &out, QTextStream &err)
     parser.addTimeOptions();
     if (const std::optional<int> status = parser.parse(args, out, err))
         return *status;
-    if (!NoArgumentsLeft(parser, err))
-        return 2;
     const bool json = parser.isSet(u"json"_s);
     if (parser.isSet(u"follow"_s)) {
         if (parser.time().now || parser.time().at)

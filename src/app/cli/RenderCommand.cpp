@@ -8,59 +8,50 @@
 #include "datetext/LocaleDefaults.h"
 #include "datetext/NSDateExtensions.h"
 #include "platform/Clock.h"
-
-#include <QRegularExpression>
+#include "platform/memory/InMemoryPlatform.h"
 
 using namespace Qt::StringLiterals;
 
 namespace {
 
-// The clock that --now fixes.
-class FixedClock final : public Clock
+// The date state a command renders in: the clock that --now fixes (or the system's), and the
+// moment that --at picks. The process-wide state is put back afterwards, so that commands run
+// one after another in one process do not see each other's choices.
+class CommandDateState
 {
 public:
-    explicit FixedClock(AbsoluteTime now) : m_now(now) {}
-    AbsoluteTime currentAbsoluteTime() const override { return m_now; }
-
-private:
-    AbsoluteTime m_now;
-};
-
-// The process-wide date state a command sets for its rendering, put back afterwards so that
-// commands run one after another in one process do not see each other's choices.
-class ScopedDateState
-{
-public:
-    ScopedDateState() : m_selected(g_selectedDateTime), m_dictionary(gUserDefaultsDictionary) {}
-    ~ScopedDateState()
+    explicit CommandDateState(const TimeOptions &time)
+        : m_selected(g_selectedDateTime), m_dictionary(gUserDefaultsDictionary),
+          m_fixedClock(time.now.value_or(0)), m_fixed(time.now.has_value())
+    {
+        // As the chooser does: an instant of exactly 0 means that no moment is picked.
+        g_selectedDateTime = time.at.value_or(0);
+    }
+    ~CommandDateState()
     {
         g_selectedDateTime = m_selected;
         gUserDefaultsDictionary = m_dictionary;
     }
-    ScopedDateState(const ScopedDateState &) = delete;
-    ScopedDateState &operator=(const ScopedDateState &) = delete;
+    CommandDateState(const CommandDateState &) = delete;
+    CommandDateState &operator=(const CommandDateState &) = delete;
+
+    const Clock &clock() const
+    {
+        return m_fixed ? static_cast<const Clock &>(m_fixedClock) : m_systemClock;
+    }
 
 private:
     AbsoluteTime m_selected;
     std::optional<QVariantMap> m_dictionary;
+    ManualClock m_fixedClock;
+    SystemClock m_systemClock;
+    bool m_fixed;
 };
 
 int Fail(QTextStream &err, const QString &message, int status = 2)
 {
     PrintCommandLineError(err, message);
     return status;
-}
-
-std::optional<qint32> ParseInteger(const QString &text)
-{
-    static const QRegularExpression pattern(u"^[+-]?\\d+$"_s);
-    if (!pattern.match(text).hasMatch())
-        return std::nullopt;
-    bool ok = false;
-    const int value = text.toInt(&ok);
-    if (!ok)
-        return std::nullopt;
-    return value;
 }
 
 } // namespace
@@ -86,14 +77,8 @@ int RunRenderCommand(const QStringList &args, QTextStream &out, QTextStream &err
                              ? u"render needs a format NAME or --format STRING"_s
                              : u"render takes one format NAME (quote a name with spaces)"_s);
     }
-    const TimeOptions &time = parser.time();
-
-    const ScopedDateState state;
-    FixedClock fixedClock(time.now.value_or(0));
-    const SystemClock systemClock;
-    const Clock &clock = time.now ? static_cast<const Clock &>(fixedClock) : systemClock;
-    // As the chooser does: an instant of exactly 0 means that no moment is picked.
-    g_selectedDateTime = time.at.value_or(0);
+    const CommandDateState state(parser.time());
+    const Clock &clock = state.clock();
 
     QString text;
     if (hasFormat) {
@@ -125,9 +110,12 @@ int RunSinceCommand(const QStringList &args, QTextStream &out, QTextStream &err)
     parser.addArgument(u"TIME"_s,
                        u"ISO 8601 with an offset or Z, or @SECONDS since 1970, within "_s +
                            kTimeArgumentRange + u'.');
-    parser.addOption({u"depth"_s, u"Name at most N units, largest first."_s, u"N"_s});
-    parser.addOption(
-        {u"unit"_s, u"Count in one unit: 1 seconds, 2 minutes, ... 7 years."_s, u"N"_s});
+    parser.addIntegerOption({u"depth"_s, u"Name at most N units, largest first."_s, u"N"_s},
+                            u"an integer"_s);
+    // Checked here: the phrase itself fails loudly on a unit outside the table.
+    parser.addIntegerOption(
+        {u"unit"_s, u"Count in one unit: 1 seconds, 2 minutes, ... 7 years."_s, u"N"_s},
+        u"an integer from 1 (seconds) to 7 (years)"_s, 1, 7);
     parser.addTimeOptions();
     if (const std::optional<int> status = parser.parse(args, out, err))
         return *status;
@@ -139,34 +127,14 @@ int RunSinceCommand(const QStringList &args, QTextStream &out, QTextStream &err)
     const std::optional<AbsoluteTime> time = ReadTimeArgument(positional.first(), error);
     if (!time)
         return Fail(err, error);
-    const bool hasDepth = parser.isSet(u"depth"_s);
-    const bool hasUnit = parser.isSet(u"unit"_s);
-    if (hasDepth && hasUnit)
+    const std::optional<qint32> depth = parser.integer(u"depth"_s);
+    const std::optional<qint32> unit = parser.integer(u"unit"_s);
+    if (depth && unit)
         return Fail(err, u"give --depth or --unit, not both"_s);
-    std::optional<qint32> depth;
-    std::optional<qint32> unit;
-    if (hasDepth) {
-        depth = ParseInteger(parser.value(u"depth"_s));
-        if (!depth)
-            return Fail(err, u"--depth needs an integer, not '%1'"_s.arg(parser.value(u"depth"_s)));
-    }
-    if (hasUnit) {
-        unit = ParseInteger(parser.value(u"unit"_s));
-        // Checked here: the phrase itself fails loudly on a unit outside the table.
-        if (!unit || *unit < 1 || *unit > 7)
-            return Fail(err, u"--unit needs an integer from 1 (seconds) to 7 (years), "
-                             u"not '%1'"_s.arg(parser.value(u"unit"_s)));
-    }
-    const TimeOptions &options = parser.time();
-
-    const ScopedDateState state;
-    FixedClock fixedClock(options.now.value_or(0));
-    const SystemClock systemClock;
-    const Clock &clock = options.now ? static_cast<const Clock &>(fixedClock) : systemClock;
-    g_selectedDateTime = options.at.value_or(0);
+    const CommandDateState state(parser.time());
 
     const std::optional<NSDateExtensions> date =
-        NSDateExtensions::dateFromCFAbsoluteTime(clock, *time);
+        NSDateExtensions::dateFromCFAbsoluteTime(state.clock(), *time);
     if (!date)
         return Fail(err, u"no date can be made for that time"_s, 1);
     const QString phrase = depth  ? date->timesinceWithDepth(*depth)

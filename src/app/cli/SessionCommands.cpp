@@ -1,5 +1,6 @@
 #include "app/cli/SessionCommands.h"
 
+#include "app/cli/CommandApplication.h"
 #include "app/cli/CommandParser.h"
 #include "app/cli/HeadlessApplication.h"
 #include "app/cli/TerminalText.h"
@@ -15,23 +16,6 @@ using namespace Qt::StringLiterals;
 
 namespace {
 
-// The bus connection wants an application object; the command line may not have one yet.
-class CommandApplication
-{
-public:
-    CommandApplication()
-    {
-        if (!QCoreApplication::instance())
-            m_application = std::make_unique<QCoreApplication>(m_argc, m_argv);
-    }
-
-private:
-    int m_argc = 1;
-    char m_name[7] = "horalo";
-    char *m_argv[2] = {m_name, nullptr};
-    std::unique_ptr<QCoreApplication> m_application;
-};
-
 const QString kNotRunning = u"no Horalo is running in this session (start it with 'horalo')"_s;
 
 } // namespace
@@ -43,10 +27,6 @@ int RunShowMenuCommand(const QStringList &args, QTextStream &out, QTextStream &e
                          u"item does: for a status bar's on-click or a key binding."_s);
     if (const std::optional<int> status = parser.parse(args, out, err))
         return *status;
-    if (!parser.positional().isEmpty()) {
-        PrintCommandLineError(err, u"unexpected argument '%1'"_s.arg(parser.positional().first()));
-        return 2;
-    }
     const CommandApplication application;
     const HoraloBusClient client;
     if (!client.isRunning()) {
