@@ -1,8 +1,8 @@
 #pragma once
 
 // The controls of the preferences window as its controller sees them. The window's layout
-// provides the real ones (PreferencesWindow); InMemoryPrefPaneControls provides ones that tests
-// and the command line drive by hand. Only QtCore types cross this line.
+// provides the real ones (PreferencesWindow); the tests drive in-memory ones by hand. Only QtCore
+// types cross this line.
 
 #include <QByteArray>
 #include <QString>

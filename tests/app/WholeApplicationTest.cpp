@@ -3,8 +3,8 @@
 // notification and the "Preferences Changed" broadcast.
 
 #include "prefpane/HoraloPrefPane.h"
-#include "prefpane/InMemoryPrefPaneControls.h"
 #include "support/ControllerFixture.h"
+#include "support/InMemoryPrefPaneControls.h"
 
 class WholeApplication : public ControllerFixture
 {

@@ -7,7 +7,7 @@
 #include "datetext/DateTextTestSupport.h"
 #include "platform/memory/InMemoryPlatform.h"
 #include "prefpane/HoraloPrefPane.h"
-#include "prefpane/InMemoryPrefPaneControls.h"
+#include "support/InMemoryPrefPaneControls.h"
 #include "support/QtPrinters.h"
 
 #include <gtest/gtest.h>

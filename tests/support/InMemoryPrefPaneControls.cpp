@@ -1,4 +1,4 @@
-#include "prefpane/InMemoryPrefPaneControls.h"
+#include "support/InMemoryPrefPaneControls.h"
 
 #include "prefpane/PrefPaneLayout.h"
 
