@@ -1,7 +1,7 @@
 #include "prefpane/CustomDatesTableModel.h"
 
 #include "prefpane/HoraloPrefPane.h"
-#include "prefpane/QtPrefPaneControls.h"
+#include "prefpane/MimeDataPasteboard.h"
 
 #include <QMimeData>
 

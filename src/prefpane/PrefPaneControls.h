@@ -24,10 +24,14 @@ public:
 };
 
 // An entry that carries a title, such as one of the format-symbol list's entries.
-class TitledItem : public Control
+class TitledItem final : public Control
 {
 public:
-    virtual QString title() const = 0;
+    explicit TitledItem(QString title) : m_title(std::move(title)) {}
+    QString title() const { return m_title; }
+
+private:
+    QString m_title;
 };
 
 class CheckBox : public Control

@@ -40,15 +40,21 @@ PreferencesWindow::PreferencesWindow(LocalWindowNotificationCenter &windowCenter
       m_autostartBox(new QCheckBox(tr("Start Horalo &when you log in"), this)),
       m_autostartErrorLabel(new QLabel(this)),
       m_autostart(AutostartEntry::DefaultConfigHome(), AutostartEntry::DefaultProgram()),
-      m_useSymbolicNames(m_useSymbolicNamesBox),
-      m_initDateTimeChooserToCurrentTimeWhenOpened(m_initDateTimeChooserToCurrentTimeWhenOpenedBox),
-      m_dynamicDateTimeChooser(m_dynamicDateTimeChooserBox),
-      m_includeGMTDateTime(m_includeGMTDateTimeBox),
-      m_includeDateOnlyItems(m_includeDateOnlyItemsBox),
-      m_includeTimeOnlyItems(m_includeTimeOnlyItemsBox), m_includeTitleIcon(m_includeTitleIconBox),
-      m_titleDisplayPopUp(m_titleDisplayComboBox), m_addCustomDate(m_addButton),
-      m_deleteCustomDate(m_deleteButton), m_formatCharacterField(m_formatCharacterEdit),
-      m_versionInfoField(m_versionLabel)
+      m_controls{
+          .versionInfoField = QtLabelTextField(m_versionLabel),
+          .useSymbolicNames = QtCheckBox(m_useSymbolicNamesBox),
+          .initDateTimeChooserToCurrentTimeWhenOpened =
+              QtCheckBox(m_initDateTimeChooserToCurrentTimeWhenOpenedBox),
+          .dynamicDateTimeChooser = QtCheckBox(m_dynamicDateTimeChooserBox),
+          .includeGMTDateTime = QtCheckBox(m_includeGMTDateTimeBox),
+          .includeDateOnlyItems = QtCheckBox(m_includeDateOnlyItemsBox),
+          .includeTimeOnlyItems = QtCheckBox(m_includeTimeOnlyItemsBox),
+          .menuTitleDisplayPopupButton = QtPopUpButton(m_titleDisplayComboBox),
+          .includeTitleIconButton = QtCheckBox(m_includeTitleIconBox),
+          .addCusomDateButton = QtButton(m_addButton),
+          .deleteCustomDateButton = QtButton(m_deleteButton),
+          .formatCharacterTextField = QtLineEditTextField(m_formatCharacterEdit),
+      }
 {
     setWindowTitle(tr("Horalo Preferences"));
 
@@ -210,58 +216,26 @@ PreferencesWindow::~PreferencesWindow() = default;
 
 PrefPaneOutlets PreferencesWindow::outlets()
 {
-    PrefPaneOutlets outlets;
-    outlets.window = this;
-    outlets.versionInfoField = &m_versionInfoField;
-    outlets.useSymbolicNames = &m_useSymbolicNames;
-    outlets.initDateTimeChooserToCurrentTimeWhenOpened =
-        &m_initDateTimeChooserToCurrentTimeWhenOpened;
-    outlets.dynamicDateTimeChooser = &m_dynamicDateTimeChooser;
-    outlets.includeGMTDateTime = &m_includeGMTDateTime;
-    outlets.includeDateOnlyItems = &m_includeDateOnlyItems;
-    outlets.includeTimeOnlyItems = &m_includeTimeOnlyItems;
-    outlets.menuTitleDisplayPopupButton = &m_titleDisplayPopUp;
-    outlets.includeTitleIconButton = &m_includeTitleIcon;
-    outlets.customDatesTable = m_table;
-    outlets.addCusomDateButton = &m_addCustomDate;
-    outlets.deleteCustomDateButton = &m_deleteCustomDate;
-    outlets.formattedDateTextField = nullptr; // this layout has no such field
-    outlets.formatCharacterTextField = &m_formatCharacterField;
-    return outlets;
+    return m_controls.outlets(this, m_table, nullptr); // this layout has no formatted-date field
 }
 
 void PreferencesWindow::connectActions(HoraloPrefPane &controller)
 {
     m_controller = &controller;
     HoraloPrefPane *const target = &controller;
-    const auto wire = [this, target](QCheckBox *box, Control *sender,
-                                     void (HoraloPrefPane::*action)(Control *)) {
+    m_controls.wireCheckBoxes([this, target](QtCheckBox &box, auto action) {
         // clicked() comes from the user only, never from setState.
-        connect(box, &QCheckBox::clicked, this,
-                [target, sender, action] { (target->*action)(sender); });
-    };
-    wire(m_useSymbolicNamesBox, &m_useSymbolicNames,
-         &HoraloPrefPane::useSymbolicNamesButtonClicked);
-    wire(m_initDateTimeChooserToCurrentTimeWhenOpenedBox,
-         &m_initDateTimeChooserToCurrentTimeWhenOpened,
-         &HoraloPrefPane::initDateTimeChooserToCurrentTimeWhenOpened);
-    wire(m_dynamicDateTimeChooserBox, &m_dynamicDateTimeChooser,
-         &HoraloPrefPane::dynamicDateTimeChooser);
-    wire(m_includeGMTDateTimeBox, &m_includeGMTDateTime,
-         &HoraloPrefPane::includeGMTDateTimeButtonClicked);
-    wire(m_includeDateOnlyItemsBox, &m_includeDateOnlyItems,
-         &HoraloPrefPane::includeDateOnlyItemsButtonClicked);
-    wire(m_includeTimeOnlyItemsBox, &m_includeTimeOnlyItems,
-         &HoraloPrefPane::includeTimeOnlyItemsButtonClicked);
-    wire(m_includeTitleIconBox, &m_includeTitleIcon,
-         &HoraloPrefPane::includeTitleIconButtonClicked);
+        connect(box.box(), &QCheckBox::clicked, this,
+                [target, &box, action] { (target->*action)(&box); });
+    });
 
-    connect(m_titleDisplayComboBox, &QComboBox::activated, this,
-            [this, target] { target->menuTitleDisplayPopupButtonClicked(&m_titleDisplayPopUp); });
+    connect(m_titleDisplayComboBox, &QComboBox::activated, this, [this, target] {
+        target->menuTitleDisplayPopupButtonClicked(&m_controls.menuTitleDisplayPopupButton);
+    });
     connect(m_addButton, &QPushButton::clicked, this,
-            [this, target] { target->addCustomDate(&m_addCustomDate); });
+            [this, target] { target->addCustomDate(&m_controls.addCusomDateButton); });
     connect(m_deleteButton, &QPushButton::clicked, this,
-            [this, target] { target->deleteCustomDate(&m_deleteCustomDate); });
+            [this, target] { target->deleteCustomDate(&m_controls.deleteCustomDateButton); });
     connect(m_table, &CustomDatesTableView::deleteKeyPressed, this,
             [this, target] { target->deleteCustomDate(m_table); });
     connect(m_formatSymbolList, &QListWidget::itemClicked, this,
@@ -274,7 +248,7 @@ void PreferencesWindow::chooseFormatSymbol(QListWidgetItem *item)
 {
     if (!m_controller || !item)
         return;
-    m_controller->selectFormatSymbol(QtTitledItem(item->text()));
+    m_controller->selectFormatSymbol(TitledItem(item->text()));
 }
 
 void PreferencesWindow::makeKeyAndOrderFront()

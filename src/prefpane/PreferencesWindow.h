@@ -7,6 +7,7 @@
 #include "platform/Window.h"
 #include "prefpane/AutostartEntry.h"
 #include "prefpane/HoraloPrefPane.h"
+#include "prefpane/PrefPaneControlSet.h"
 #include "prefpane/QtPrefPaneControls.h"
 
 #include <QWidget>
@@ -94,16 +95,7 @@ private:
     QLabel *m_autostartErrorLabel;
     AutostartEntry m_autostart;
 
-    QtCheckBox m_useSymbolicNames;
-    QtCheckBox m_initDateTimeChooserToCurrentTimeWhenOpened;
-    QtCheckBox m_dynamicDateTimeChooser;
-    QtCheckBox m_includeGMTDateTime;
-    QtCheckBox m_includeDateOnlyItems;
-    QtCheckBox m_includeTimeOnlyItems;
-    QtCheckBox m_includeTitleIcon;
-    QtPopUpButton m_titleDisplayPopUp;
-    QtButton m_addCustomDate;
-    QtButton m_deleteCustomDate;
-    QtLineEditTextField m_formatCharacterField;
-    QtLabelTextField m_versionInfoField;
+    // The widgets above as the controller sees them.
+    PrefPaneControlSet<QtCheckBox, QtPopUpButton, QtButton, QtLabelTextField, QtLineEditTextField>
+        m_controls;
 };

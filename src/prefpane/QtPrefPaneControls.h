@@ -9,12 +9,12 @@ class QCheckBox;
 class QComboBox;
 class QLabel;
 class QLineEdit;
-class QMimeData;
 
 class QtCheckBox final : public CheckBox
 {
 public:
     explicit QtCheckBox(QCheckBox *box) : m_box(box) {}
+    QCheckBox *box() const { return m_box; }
     int state() const override;
     void setState(int state) override;
 
@@ -65,33 +65,4 @@ public:
 
 private:
     QAbstractButton *m_button;
-};
-
-// An entry of the format-symbol list as the sender of selectFormatSymbol.
-class QtTitledItem final : public TitledItem
-{
-public:
-    explicit QtTitledItem(QString title) : m_title(std::move(title)) {}
-    QString title() const override { return m_title; }
-
-private:
-    QString m_title;
-};
-
-// A drag's pasteboard over the drag's mime data. Made over const data (a drop) it only reads.
-class MimeDataPasteboard final : public DragPasteboard
-{
-public:
-    explicit MimeDataPasteboard(QMimeData *data) : m_read(data), m_write(data) {}
-    explicit MimeDataPasteboard(const QMimeData *data) : m_read(data), m_write(nullptr) {}
-
-    QStringList types() const override;
-    std::optional<QByteArray> dataForType(const QString &type) const override;
-    void declareTypes(const QStringList &types, const void *owner) override;
-    bool setDataForType(const QByteArray &data, const QString &type) override;
-
-private:
-    const QMimeData *m_read;
-    QMimeData *m_write;
-    QStringList m_declared;
 };

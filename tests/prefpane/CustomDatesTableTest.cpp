@@ -213,7 +213,7 @@ TEST_F(FormatSymbols, AClipboardThatCannotBeReachedIsLeftAlone)
     awake();
     memory.clipboard.setContents(QByteArrayLiteral("before"));
     memory.clipboard.setUnreachableStatus(-25);
-    pane->selectFormatSymbol(InMemoryTitledItem(QStringLiteral("%d  day of the month")));
+    pane->selectFormatSymbol(TitledItem(QStringLiteral("%d  day of the month")));
     EXPECT_EQ(controls.formatCharacterTextField.stringValue(), QStringLiteral("%d"));
     EXPECT_EQ(memory.clipboard.contents(), QByteArrayLiteral("before"));
     EXPECT_EQ(pane->putStringOnClipboard(QStringLiteral("x")), -25);

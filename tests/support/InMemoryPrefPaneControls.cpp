@@ -41,27 +41,10 @@ bool InMemoryButton::click()
     return true;
 }
 
-std::optional<QByteArray> InMemoryDragPasteboard::dataForType(const QString &type) const
-{
-    const auto it = m_data.constFind(type);
-    if (it == m_data.constEnd())
-        return std::nullopt;
-    return *it;
-}
-
 void InMemoryDragPasteboard::declareTypes(const QStringList &types, const void *owner)
 {
-    m_types = types;
-    m_data.clear();
     m_owner = owner;
-}
-
-bool InMemoryDragPasteboard::setDataForType(const QByteArray &data, const QString &type)
-{
-    if (!m_types.contains(type))
-        return false;
-    m_data.insert(type, data);
-    return true;
+    MimeDataPasteboard::declareTypes(types, owner);
 }
 
 void InMemoryTableView::reloadData()
@@ -149,6 +132,7 @@ bool InMemoryTableView::userDropsPasteboard(const DragPasteboard &pasteboard, in
 InMemoryPrefPaneControls::InMemoryPrefPaneControls(Window *preferencesWindow)
     : window(preferencesWindow)
 {
+    deleteCustomDateButton.setEnabled(false);
     QStringList titles;
     for (const QString &title : kTitleDisplayNames)
         titles.append(title);
@@ -161,42 +145,18 @@ InMemoryPrefPaneControls::InMemoryPrefPaneControls(Window *preferencesWindow)
 
 PrefPaneOutlets InMemoryPrefPaneControls::outlets()
 {
-    PrefPaneOutlets outlets;
-    outlets.window = window;
-    outlets.versionInfoField = &versionInfoField;
-    outlets.useSymbolicNames = &useSymbolicNames;
-    outlets.initDateTimeChooserToCurrentTimeWhenOpened =
-        &initDateTimeChooserToCurrentTimeWhenOpened;
-    outlets.dynamicDateTimeChooser = &dynamicDateTimeChooser;
-    outlets.includeGMTDateTime = &includeGMTDateTime;
-    outlets.includeDateOnlyItems = &includeDateOnlyItems;
-    outlets.includeTimeOnlyItems = &includeTimeOnlyItems;
-    outlets.menuTitleDisplayPopupButton = &menuTitleDisplayPopupButton;
-    outlets.includeTitleIconButton = &includeTitleIconButton;
-    outlets.customDatesTable = &customDatesTable;
-    outlets.addCusomDateButton = &addCusomDateButton;
-    outlets.deleteCustomDateButton = &deleteCustomDateButton;
-    outlets.formattedDateTextField = &formattedDateTextField;
-    outlets.formatCharacterTextField = &formatCharacterTextField;
-    return outlets;
+    return PrefPaneControlSet::outlets(window, &customDatesTable, &formattedDateTextField);
 }
 
 void InMemoryPrefPaneControls::connectActions(HoraloPrefPane &controller)
 {
     m_controller = &controller;
-    const auto wire = [&controller](auto member) {
-        return [&controller, member](Control *sender) { (controller.*member)(sender); };
+    const auto wire = [&controller](auto action) {
+        return [&controller, action](Control *sender) { (controller.*action)(sender); };
     };
-    useSymbolicNames.setAction(wire(&HoraloPrefPane::useSymbolicNamesButtonClicked));
-    initDateTimeChooserToCurrentTimeWhenOpened.setAction(
-        wire(&HoraloPrefPane::initDateTimeChooserToCurrentTimeWhenOpened));
-    dynamicDateTimeChooser.setAction(wire(&HoraloPrefPane::dynamicDateTimeChooser));
-    includeGMTDateTime.setAction(wire(&HoraloPrefPane::includeGMTDateTimeButtonClicked));
-    includeDateOnlyItems.setAction(wire(&HoraloPrefPane::includeDateOnlyItemsButtonClicked));
-    includeTimeOnlyItems.setAction(wire(&HoraloPrefPane::includeTimeOnlyItemsButtonClicked));
+    wireCheckBoxes([&wire](InMemoryCheckBox &box, auto action) { box.setAction(wire(action)); });
     menuTitleDisplayPopupButton.setAction(
         wire(&HoraloPrefPane::menuTitleDisplayPopupButtonClicked));
-    includeTitleIconButton.setAction(wire(&HoraloPrefPane::includeTitleIconButtonClicked));
     addCusomDateButton.setAction(wire(&HoraloPrefPane::addCustomDate));
     deleteCustomDateButton.setAction(wire(&HoraloPrefPane::deleteCustomDate));
 }

@@ -5,9 +5,11 @@
 // pasteboard) and add the user's side: click, choose, select, edit, drag.
 
 #include "prefpane/HoraloPrefPane.h"
+#include "prefpane/MimeDataPasteboard.h"
+#include "prefpane/PrefPaneControlSet.h"
 #include "prefpane/PrefPaneControls.h"
 
-#include <QMap>
+#include <QMimeData>
 
 #include <functional>
 #include <memory>
@@ -74,28 +76,18 @@ private:
     ControlAction m_action;
 };
 
-class InMemoryTitledItem final : public TitledItem
+// A drag's pasteboard as the desktop's table carries it, over mime data of its own, which also
+// remembers who declared its types.
+class InMemoryDragPasteboard final : public MimeDataPasteboard
 {
 public:
-    explicit InMemoryTitledItem(QString title) : m_title(std::move(title)) {}
-    QString title() const override { return m_title; }
-
-private:
-    QString m_title;
-};
-
-class InMemoryDragPasteboard final : public DragPasteboard
-{
-public:
-    QStringList types() const override { return m_types; }
-    std::optional<QByteArray> dataForType(const QString &type) const override;
+    // The base is made before m_data, but only keeps its address.
+    InMemoryDragPasteboard() : MimeDataPasteboard(&m_data) {}
     void declareTypes(const QStringList &types, const void *owner) override;
-    bool setDataForType(const QByteArray &data, const QString &type) override;
     const void *owner() const { return m_owner; }
 
 private:
-    QStringList m_types;
-    QMap<QString, QByteArray> m_data;
+    QMimeData m_data;
     const void *m_owner = nullptr;
 };
 
@@ -141,6 +133,8 @@ private:
 // pop-up holds the nine title names with "Medium Date" selected, the delete button starts
 // disabled. The window is the caller's (an InMemoryWindow, say).
 class InMemoryPrefPaneControls
+    : public PrefPaneControlSet<InMemoryCheckBox, InMemoryPopUpButton, InMemoryButton,
+                                InMemoryTextField, InMemoryTextField>
 {
 public:
     explicit InMemoryPrefPaneControls(Window *preferencesWindow);
@@ -152,21 +146,9 @@ public:
     void chooseFormatSymbol(std::size_t index);
 
     Window *window;
-    InMemoryTextField versionInfoField;
-    InMemoryCheckBox useSymbolicNames;
-    InMemoryCheckBox initDateTimeChooserToCurrentTimeWhenOpened;
-    InMemoryCheckBox dynamicDateTimeChooser;
-    InMemoryCheckBox includeGMTDateTime;
-    InMemoryCheckBox includeDateOnlyItems;
-    InMemoryCheckBox includeTimeOnlyItems;
-    InMemoryPopUpButton menuTitleDisplayPopupButton;
-    InMemoryCheckBox includeTitleIconButton;
     InMemoryTableView customDatesTable;
-    InMemoryButton addCusomDateButton{true};
-    InMemoryButton deleteCustomDateButton{false};
     InMemoryTextField formattedDateTextField;
-    InMemoryTextField formatCharacterTextField;
-    std::vector<InMemoryTitledItem> formatSymbolEntries;
+    std::vector<TitledItem> formatSymbolEntries;
 
 private:
     HoraloPrefPane *m_controller = nullptr;
