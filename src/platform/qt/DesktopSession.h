@@ -1,7 +1,7 @@
 #pragma once
 
 #include "platform/Clipboard.h"
-#include "platform/qt/QtPlatform.h"
+#include "platform/qt/QtClipboard.h"
 
 #include <QByteArray>
 #include <QProcessEnvironment>

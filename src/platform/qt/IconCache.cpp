@@ -55,3 +55,8 @@ QIcon IconCache::decode(const QString &imageName)
     }
     return icon;
 }
+
+QIcon LoadIconResource(const QString &imageName)
+{
+    return IconCache::iconNamed(imageName);
+}

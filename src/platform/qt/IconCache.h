@@ -22,3 +22,7 @@ private:
     static QIcon decode(const QString &imageName);
     static QHash<QString, QIcon> &icons();
 };
+
+// The icon resource of a name as every size it holds (each page of a TIFF, say), decoded once
+// per name: every call for a name returns the same icon.
+QIcon LoadIconResource(const QString &imageName);

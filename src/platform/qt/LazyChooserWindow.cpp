@@ -1,6 +1,6 @@
 #include "platform/qt/LazyChooserWindow.h"
 
-#include "platform/qt/QtPlatform.h"
+#include "platform/qt/QtChooserWindow.h"
 
 #include <cmath>
 

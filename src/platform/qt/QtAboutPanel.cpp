@@ -1,6 +1,6 @@
 #include "platform/qt/QtAboutPanel.h"
 
-#include "platform/qt/QtPlatform.h"
+#include "platform/qt/IconCache.h"
 
 QtAboutPanel::QtAboutPanel(LocalWindowNotificationCenter &windowCenter, const QString &name,
                            const QString &version)

@@ -1,6 +1,6 @@
 #include "platform/qt/QtWallClockSecondTimer.h"
 
-#include "platform/qt/QtPlatform.h"
+#include "platform/qt/QMenuHelpers.h"
 
 #include <QDateTime>
 

@@ -4,7 +4,7 @@
 #include "platform/qt/IconCache.h"
 
 #include "SniTestSupport.h"
-#include "platform/qt/QtPlatform.h"
+#include "platform/qt/TrayStatusItem.h"
 
 #include <QImageReader>
 

@@ -4,7 +4,7 @@
 #include "platform/qt/LazyChooserWindow.h"
 
 #include "QtTestApplication.h"
-#include "platform/qt/QtPlatform.h"
+#include "platform/qt/QtChooserWindow.h"
 #include "support/QtPrinters.h"
 
 #include <QApplication>

@@ -1,9 +1,11 @@
 // The desktop application's end and its About panel: quitting is not a window's closing, and
 // the About panel's closing is.
 
+#include "platform/qt/QtApplication.h"
+
 #include "QtTestApplication.h"
 #include "platform/qt/QtAboutPanel.h"
-#include "platform/qt/QtPlatform.h"
+#include "platform/qt/QtChooserWindow.h"
 #include "support/QtPrinters.h"
 
 #include <QApplication>

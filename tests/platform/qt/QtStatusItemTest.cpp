@@ -1,5 +1,6 @@
+#include "platform/qt/QtStatusItem.h"
+
 #include "SniTestSupport.h"
-#include "platform/qt/QtPlatform.h"
 #include "platform/qt/sni/SniStatusItem.h"
 
 TEST(StatusItemBackendTest, WithoutASessionBusItIsATrayIcon)

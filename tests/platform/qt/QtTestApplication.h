@@ -1,6 +1,7 @@
 #pragma once
 
-#include "platform/qt/QtPlatform.h"
+#include "platform/NotificationCenter.h"
+#include "platform/Window.h"
 
 #include <QApplication>
 

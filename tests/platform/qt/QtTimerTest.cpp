@@ -1,7 +1,8 @@
 // The desktop's timers: repeating, stoppable, and holding their fire under an open menu.
 
 #include "QtTestApplication.h"
-#include "platform/qt/QtPlatform.h"
+#include "platform/qt/QMenuHelpers.h"
+#include "platform/qt/QtTimerScheduler.h"
 
 #include <QApplication>
 #include <QDateTime>

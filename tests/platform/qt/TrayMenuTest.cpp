@@ -2,7 +2,7 @@
 // entry of a menu rebuilt since it was drawn choosing nothing rather than the wrong entry.
 
 #include "QtTestApplication.h"
-#include "platform/qt/QtPlatform.h"
+#include "platform/qt/QMenuHelpers.h"
 
 #include <QAction>
 #include <QApplication>

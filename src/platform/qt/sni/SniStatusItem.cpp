@@ -1,6 +1,7 @@
 #include "platform/qt/sni/SniStatusItem.h"
 
-#include "platform/qt/QtPlatform.h"
+#include "platform/qt/IconCache.h"
+#include "platform/qt/QMenuHelpers.h"
 #include "platform/qt/sni/DBusMenuExporter.h"
 #include "platform/qt/sni/StatusNotifierItemAdaptor.h"
 
