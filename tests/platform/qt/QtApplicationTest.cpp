@@ -4,8 +4,8 @@
 #include "platform/qt/QtApplication.h"
 
 #include "QtTestApplication.h"
+#include "chooser/QtChooserWindow.h"
 #include "platform/qt/QtAboutPanel.h"
-#include "platform/qt/QtChooserWindow.h"
 #include "support/QtPrinters.h"
 
 #include <QApplication>

@@ -1,4 +1,4 @@
-#include "platform/qt/QtChooserWindow.h"
+#include "chooser/QtChooserWindow.h"
 
 #include <QCloseEvent>
 #include <QCursor>

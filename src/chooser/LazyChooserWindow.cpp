@@ -1,6 +1,6 @@
-#include "platform/qt/LazyChooserWindow.h"
+#include "chooser/LazyChooserWindow.h"
 
-#include "platform/qt/QtChooserWindow.h"
+#include "chooser/QtChooserWindow.h"
 
 #include <cmath>
 

@@ -1,10 +1,10 @@
 // The chooser as held from start-up: no window until it is first opened, and the state set
 // before that (value, level, action) is the window's once it exists.
 
-#include "platform/qt/LazyChooserWindow.h"
+#include "chooser/LazyChooserWindow.h"
 
-#include "QtTestApplication.h"
-#include "platform/qt/QtChooserWindow.h"
+#include "chooser/QtChooserWindow.h"
+#include "platform/qt/QtTestApplication.h"
 #include "support/QtPrinters.h"
 
 #include <QApplication>

@@ -1,9 +1,9 @@
 // The desktop's date-time chooser: a picker to the second whose action runs only for the user's
 // changes, and a window that floats and announces its closing.
 
-#include "platform/qt/QtChooserWindow.h"
+#include "chooser/QtChooserWindow.h"
 
-#include "QtTestApplication.h"
+#include "platform/qt/QtTestApplication.h"
 #include "support/QtPrinters.h"
 
 #include <QApplication>
