@@ -54,7 +54,7 @@ QDBusVariant DBusMenuAdaptor::GetProperty(int id, const QString &name)
 
 void DBusMenuAdaptor::Event(int id, const QString &eventId, const QDBusVariant &, uint)
 {
-    if (!m_exporter->event(id, eventId))
+    if (!m_exporter->handleItemEvent(id, eventId))
         unknownId(id);
 }
 
@@ -62,7 +62,7 @@ QList<int> DBusMenuAdaptor::EventGroup(const DBusMenuEventList &events)
 {
     QList<int> idErrors;
     for (const DBusMenuEvent &event : events) {
-        if (!m_exporter->event(event.id, event.eventId))
+        if (!m_exporter->handleItemEvent(event.id, event.eventId))
             idErrors.append(event.id);
     }
     return idErrors;

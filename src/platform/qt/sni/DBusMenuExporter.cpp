@@ -230,7 +230,7 @@ int DBusMenuExporter::indexForClick(int id) const
     return -1;
 }
 
-bool DBusMenuExporter::event(int id, const QString &eventId)
+bool DBusMenuExporter::handleItemEvent(int id, const QString &eventId)
 {
     if (!hasId(id) && !(id > 0 && id <= m_fetchedItems.size()))
         return false;

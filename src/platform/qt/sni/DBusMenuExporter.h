@@ -40,7 +40,7 @@ public:
     DBusMenuItemList groupProperties(const QList<int> &ids, const QStringList &propertyNames);
     std::optional<QVariant> property(int id, const QString &name);
     // Returns false when the id is unknown.
-    bool event(int id, const QString &eventId);
+    bool handleItemEvent(int id, const QString &eventId);
     // Returns whether the host must fetch the layout again.
     bool aboutToShow(int id);
     bool hasId(int id) const;
