@@ -3,39 +3,6 @@
 #include <QAction>
 #include <QKeySequence>
 
-namespace {
-
-int g_trackedMenus = 0;
-
-} // namespace
-
-void TrackMenuForTimers(QMenu &qmenu)
-{
-    // A menu can be hidden without having been shown (a rebuild while closed); count only
-    // what was shown.
-    auto *shown = new bool(false);
-    QObject::connect(&qmenu, &QMenu::aboutToShow, &qmenu, [shown] {
-        if (!*shown)
-            ++g_trackedMenus;
-        *shown = true;
-    });
-    QObject::connect(&qmenu, &QMenu::aboutToHide, &qmenu, [shown] {
-        if (*shown)
-            --g_trackedMenus;
-        *shown = false;
-    });
-    QObject::connect(&qmenu, &QObject::destroyed, [shown] {
-        if (*shown)
-            --g_trackedMenus;
-        delete shown;
-    });
-}
-
-bool IsTrackingMenu()
-{
-    return g_trackedMenus > 0;
-}
-
 void FillQMenu(QMenu &qmenu, Menu *menu)
 {
     qmenu.clear();

@@ -1,6 +1,6 @@
 #include "platform/qt/QtTimerScheduler.h"
 
-#include "platform/qt/QMenuHelpers.h"
+#include "platform/qt/OpenMenuTracker.h"
 #include "platform/qt/QtWallClockSecondTimer.h"
 
 #include <QTimer>
@@ -9,18 +9,16 @@
 
 namespace {
 
-// A QObject so that the scheduler's owner object can hold it: whatever is still scheduled when
-// the scheduler goes (the title timer, at exit) goes with it.
 class QtTimer final : public QObject, public Timer
 {
+    Q_OBJECT
 public:
-    QtTimer(double interval, TimerScheduler::Callback callback, QObject *owner)
-        : QObject(owner), m_callback(std::move(callback))
+    QtTimer(double interval, TimerScheduler::Callback callback) : m_callback(std::move(callback))
     {
         m_timer.setTimerType(interval < 0.5 ? Qt::PreciseTimer : Qt::CoarseTimer);
         m_timer.setInterval(static_cast<int>(interval * 1000.0 + 0.5));
         QObject::connect(&m_timer, &QTimer::timeout, &m_timer, [this] {
-            if (!IsTrackingMenu())
+            if (!OpenMenuTracker::isAnyMenuOpen())
                 m_callback(this);
         });
         m_timer.start();
@@ -31,9 +29,11 @@ public:
             return;
         m_valid = false;
         m_timer.stop();
-        // Holders may still compare the pointer during the current event; delete afterwards.
-        deleteLater();
+        Q_EMIT invalidated();
     }
+
+Q_SIGNALS:
+    void invalidated();
 
 private:
     QTimer m_timer;
@@ -43,15 +43,22 @@ private:
 
 } // namespace
 
+template <typename QtTimerType> QtTimerType *QtTimerScheduler::adopt(QtTimerType *timer)
+{
+    timer->setParent(&m_owner);
+    // Holders may still compare the pointer during the event that invalidated it: freed after.
+    QObject::connect(timer, &QtTimerType::invalidated, &m_owner, [timer] { timer->deleteLater(); });
+    return timer;
+}
+
 Timer *QtTimerScheduler::scheduleRepeatingTimer(double intervalSeconds, Callback callback)
 {
-    // Ours until it is invalidated, as the interface promises; deleted with us if it never is.
-    return new QtTimer(intervalSeconds, std::move(callback), &m_owner);
+    return adopt(new QtTimer(intervalSeconds, std::move(callback)));
 }
 
 Timer *QtTimerScheduler::scheduleWallClockSecondTimer(Callback callback)
 {
-    auto *timer = new QtWallClockSecondTimer(std::move(callback));
-    timer->setParent(&m_owner); // the title's timer: never invalidated, it goes with us at exit
-    return timer;
+    return adopt(new QtWallClockSecondTimer(std::move(callback)));
 }
+
+#include "QtTimerScheduler.moc"

@@ -4,7 +4,8 @@
 
 #include <QObject>
 
-// Timers on Qt's event loop.
+// Timers on Qt's event loop. The scheduler owns every timer it made: an invalidated one it frees
+// once the event that invalidated it has been handled, the rest when it goes itself.
 class QtTimerScheduler final : public TimerScheduler
 {
 public:
@@ -12,5 +13,8 @@ public:
     Timer *scheduleWallClockSecondTimer(Callback callback) override;
 
 private:
-    QObject m_owner; // the parent of every timer not yet invalidated and deleted
+    // Makes timer ours, to be freed after its invalidation or with us.
+    template <typename QtTimerType> QtTimerType *adopt(QtTimerType *timer);
+
+    QObject m_owner; // the parent of every timer not yet freed
 };

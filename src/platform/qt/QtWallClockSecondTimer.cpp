@@ -1,6 +1,6 @@
 #include "platform/qt/QtWallClockSecondTimer.h"
 
-#include "platform/qt/QMenuHelpers.h"
+#include "platform/qt/OpenMenuTracker.h"
 
 #include <QDateTime>
 
@@ -64,7 +64,7 @@ void QtWallClockSecondTimer::tick()
     if (!m_valid)
         return;
     arm();
-    if (!IsTrackingMenu())
+    if (!OpenMenuTracker::isAnyMenuOpen())
         m_callback(this);
 }
 
@@ -75,6 +75,5 @@ void QtWallClockSecondTimer::invalidate()
     m_valid = false;
     m_notifier.reset();
     m_fallback.stop();
-    // Holders may still compare the pointer during the current event; delete afterwards.
-    deleteLater();
+    Q_EMIT invalidated();
 }

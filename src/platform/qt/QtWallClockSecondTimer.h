@@ -23,6 +23,10 @@ public:
 
     void invalidate() override;
 
+Q_SIGNALS:
+    // For the scheduler that owns the timer, which frees it.
+    void invalidated();
+
 private:
     void arm();
     void timerfdReadable();

@@ -1,6 +1,7 @@
 #include "platform/qt/TrayStatusItem.h"
 
 #include "platform/qt/IconCache.h"
+#include "platform/qt/OpenMenuTracker.h"
 #include "platform/qt/QMenuHelpers.h"
 
 #include <QCursor>
@@ -9,7 +10,7 @@ TrayStatusItem::TrayStatusItem() : m_qmenu(std::make_unique<QMenu>())
 {
     m_qmenu->setToolTipsVisible(true);
     connect(m_qmenu.get(), &QMenu::aboutToShow, this, &TrayStatusItem::aboutToShow);
-    TrackMenuForTimers(*m_qmenu);
+    OpenMenuTracker::track(*m_qmenu);
     connect(&m_tray, &QSystemTrayIcon::activated, this, &TrayStatusItem::activated);
     m_tray.setContextMenu(m_qmenu.get());
     // The tray needs an icon to be shown at all; without one the menu could not be reached.

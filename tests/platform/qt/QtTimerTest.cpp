@@ -1,7 +1,7 @@
 // The desktop's timers: repeating, stoppable, and holding their fire under an open menu.
 
 #include "QtTestApplication.h"
-#include "platform/qt/QMenuHelpers.h"
+#include "platform/qt/OpenMenuTracker.h"
 #include "platform/qt/QtTimerScheduler.h"
 
 #include <QApplication>
@@ -60,19 +60,60 @@ TEST_F(QtTimers, HoldTheirFireWhileAMenuIsOpen)
 {
     QMenu menu;
     menu.addAction(QStringLiteral("entry"));
-    TrackMenuForTimers(menu);
+    OpenMenuTracker::track(menu);
     int fired = 0;
     Timer *timer = scheduler.scheduleRepeatingTimer(0.01, [&](Timer *) { ++fired; });
 
     menu.popup(QPoint(10, 10));
-    ASSERT_TRUE(IsTrackingMenu());
+    ASSERT_TRUE(OpenMenuTracker::isAnyMenuOpen());
     RunEventLoopFor(80);
     EXPECT_EQ(fired, 0);
 
     menu.hide();
-    EXPECT_FALSE(IsTrackingMenu());
+    EXPECT_FALSE(OpenMenuTracker::isAnyMenuOpen());
     EXPECT_TRUE(RunEventLoopUntil([&] { return fired >= 2; }));
     timer->invalidate();
+}
+
+// A menu that goes while open, as a status item replaced under it does, must not hold the
+// timers for the rest of the run; nor may a menu hidden before it was ever shown.
+TEST_F(QtTimers, AreFreeAgainWhenAnOpenMenuIsDestroyedAndUnheldByAMenuNeverShown)
+{
+    QMenu neverShown;
+    OpenMenuTracker::track(neverShown);
+    neverShown.hide();
+    EXPECT_FALSE(OpenMenuTracker::isAnyMenuOpen());
+
+    auto menu = std::make_unique<QMenu>();
+    menu->addAction(QStringLiteral("entry"));
+    OpenMenuTracker::track(*menu);
+    menu->popup(QPoint(10, 10));
+    ASSERT_TRUE(OpenMenuTracker::isAnyMenuOpen());
+    menu.reset();
+    EXPECT_FALSE(OpenMenuTracker::isAnyMenuOpen());
+
+    int fired = 0;
+    Timer *timer = scheduler.scheduleRepeatingTimer(0.01, [&](Timer *) { ++fired; });
+    EXPECT_TRUE(RunEventLoopUntil([&] { return fired >= 1; }));
+    timer->invalidate();
+}
+
+// The usual way a holder stops a timer: from its own callback. The timer fires no more, and is
+// freed once that event is over.
+TEST_F(QtTimers, InvalidatedFromTheirOwnCallbackFireNoMoreAndAreFreed)
+{
+    int fired = 0;
+    auto capture = std::make_shared<int>(0);
+    const std::weak_ptr<int> captureSeen = capture;
+    scheduler.scheduleRepeatingTimer(0.01, [&, held = std::move(capture)](Timer *firing) {
+        ++fired;
+        firing->invalidate();
+    });
+    ASSERT_TRUE(RunEventLoopUntil([&] { return fired >= 1; }));
+    RunEventLoopFor(60);
+    QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
+    EXPECT_EQ(fired, 1);
+    EXPECT_TRUE(captureSeen.expired());
 }
 
 TEST_F(QtTimers, TheTitleTimerTicksOncePerWallClockSecondAfterItChanges)

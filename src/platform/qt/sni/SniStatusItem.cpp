@@ -1,6 +1,7 @@
 #include "platform/qt/sni/SniStatusItem.h"
 
 #include "platform/qt/IconCache.h"
+#include "platform/qt/OpenMenuTracker.h"
 #include "platform/qt/QMenuHelpers.h"
 #include "platform/qt/sni/DBusMenuExporter.h"
 #include "platform/qt/sni/StatusNotifierItemAdaptor.h"
@@ -208,7 +209,7 @@ void SniStatusItem::popUpMenu(std::optional<QPoint> position)
     if (!m_popup) {
         m_popup = std::make_unique<QMenu>();
         m_popup->setToolTipsVisible(true);
-        TrackMenuForTimers(*m_popup);
+        OpenMenuTracker::track(*m_popup);
     }
     m_menu->willOpen();
     FillQMenu(*m_popup, m_menu);
