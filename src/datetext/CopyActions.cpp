@@ -30,26 +30,6 @@ std::optional<QByteArray> StyledText(const Clock &clock, const CatalogueFormat &
     return QByteArray(buffer);
 }
 
-std::optional<QByteArray> DescriptionText(const Clock &clock, const CatalogueFormat &format)
-{
-    const QString description = DefaultDescription(WorkingInstant(clock));
-    switch (format.kind) {
-    case DateFormatKind::GMTDateTime:
-        return Utf8(description);
-    case DateFormatKind::NumericalDate:
-        return Utf8(NumericalDateFromDescription(description));
-    case DateFormatKind::NumericalDateNoHyphens:
-        return Utf8(NumericalDateNoHyphensFromDescription(description));
-    case DateFormatKind::NumericalDateTime:
-        // Unlike the menu entry, which shows the date alone when there is no time field, the
-        // copy refuses half a date-time.
-        return Utf8(NumericalDateTimeFromDescription(description));
-    case DateFormatKind::Styled:
-        break;
-    }
-    return std::nullopt;
-}
-
 } // namespace
 
 std::optional<MenuItem> CopyEntryForMenuName(const QString &menuName)
@@ -88,7 +68,9 @@ std::optional<QByteArray> CopyTextForAction(const Clock &clock, MenuAction actio
         return std::nullopt;
     if (format->kind == DateFormatKind::Styled)
         return StyledText(clock, *format);
-    return DescriptionText(clock, *format);
+    // The texts cut from the default description. Unlike the menu entry, which shows the date
+    // alone when there is no time field, the copy refuses half a date-time.
+    return Utf8(CatalogueFormatText(*format, WorkingInstant(clock)));
 }
 
 int PutStringOnClipboard(Clipboard &clipboard, const QByteArray &utf8)
