@@ -6,10 +6,42 @@
 
 namespace {
 
-QStringList SetAndSync(const QString &key)
+using namespace Qt::StringLiterals;
+
+// Each box, the key it shows and writes, and what it shows when the key holds no boolean.
+const struct
 {
-    return {QStringLiteral("set ") + key, QStringLiteral("sync")};
+    InMemoryCheckBox InMemoryPrefPaneControls::*box;
+    const QString &key;
+    bool byDefault;
+} kBoxes[] = {
+    {&InMemoryPrefPaneControls::useSymbolicNames, SettingsKey::UseSymbolicNames, false},
+    {&InMemoryPrefPaneControls::initDateTimeChooserToCurrentTimeWhenOpened,
+     SettingsKey::InitDateTimeChooserToCurrentTimeWhenOpened, false},
+    {&InMemoryPrefPaneControls::dynamicDateTimeChooser, SettingsKey::DynamicDateTimeChooser, false},
+    {&InMemoryPrefPaneControls::includeGMTDateTime, SettingsKey::IncludeGMTDateTime, true},
+    {&InMemoryPrefPaneControls::includeDateOnlyItems, SettingsKey::IncludeDateOnlyItems, false},
+    {&InMemoryPrefPaneControls::includeTimeOnlyItems, SettingsKey::IncludeTimeOnlyItems, false},
+    {&InMemoryPrefPaneControls::includeTitleIconButton, SettingsKey::IncludeTitleIcon, true},
+};
+
+int State(bool on)
+{
+    return on ? CheckBox::kOnState : CheckBox::kOffState;
 }
+
+// A second preferences window over the same platform, loaded from the store as it is now.
+struct LoadedWindow
+{
+    explicit LoadedWindow(InMemoryPlatform &memory, Platform &platform)
+        : window(memory.windowCenter), pane(platform, controls.outlets())
+    {
+        pane.awakeFromNib();
+    }
+    InMemoryWindow window;
+    InMemoryPrefPaneControls controls{&window};
+    HoraloPrefPane pane;
+};
 
 // --- loading the controls ---
 
@@ -20,269 +52,158 @@ TEST_F(AwakeFromNib, EmptyStoreShowsTheDefaultsWithoutTouchingTheStore)
     pane = std::make_unique<HoraloPrefPane>(platform, controls.outlets());
     pane->awakeFromNib();
 
-    EXPECT_EQ(controls.useSymbolicNames.state(), CheckBox::kOffState);
-    EXPECT_EQ(controls.initDateTimeChooserToCurrentTimeWhenOpened.state(), CheckBox::kOffState);
-    EXPECT_EQ(controls.dynamicDateTimeChooser.state(), CheckBox::kOffState);
-    EXPECT_EQ(controls.includeGMTDateTime.state(), CheckBox::kOnState);
-    EXPECT_EQ(controls.includeDateOnlyItems.state(), CheckBox::kOffState);
-    EXPECT_EQ(controls.includeTimeOnlyItems.state(), CheckBox::kOffState);
-    EXPECT_EQ(controls.includeTitleIconButton.state(), CheckBox::kOnState);
-    EXPECT_EQ(controls.menuTitleDisplayPopupButton.titleOfSelectedItem(),
-              QStringLiteral("Medium Date"));
+    for (const auto &c : kBoxes)
+        EXPECT_EQ((controls.*c.box).state(), State(c.byDefault)) << c.key.toStdString();
+    EXPECT_EQ(controls.menuTitleDisplayPopupButton.titleOfSelectedItem(), u"Medium Date"_s);
     EXPECT_EQ(table().numberOfRows(), 0);
+    EXPECT_EQ(controls.versionInfoField.stringValue(), u"Horalo 2.0"_s);
     // Loading reads the store as it is: no synchronisation, no write, no broadcast.
     EXPECT_TRUE(storeLog().isEmpty()) << storeLog().join(u", ").toStdString();
     EXPECT_EQ(deliveredBroadcasts(), 0);
 }
 
-TEST_F(AwakeFromNib, BoxesShowStoredBooleans)
+TEST_F(AwakeFromNib, StoredValuesShowInOrderAndWhatIsNotUsableIsSkipped)
 {
-    for (const BooleanSetting &setting : kBooleanSettings)
-        put(setting.key, !setting.defaultValue);
+    for (const auto &c : kBoxes)
+        put(c.key, !c.byDefault);
+    put(SettingsKey::LastTitleDisplayName, u"GMT"_s);
+    put(SettingsKey::CustomDates,
+        QVariantList{u"%H"_s, qlonglong(3), QVariant(), u"%d %b"_s, u"%H"_s});
     awake();
 
-    EXPECT_EQ(controls.useSymbolicNames.state(), CheckBox::kOnState);
-    EXPECT_EQ(controls.initDateTimeChooserToCurrentTimeWhenOpened.state(), CheckBox::kOnState);
-    EXPECT_EQ(controls.dynamicDateTimeChooser.state(), CheckBox::kOnState);
-    EXPECT_EQ(controls.includeGMTDateTime.state(), CheckBox::kOffState);
-    EXPECT_EQ(controls.includeDateOnlyItems.state(), CheckBox::kOnState);
-    EXPECT_EQ(controls.includeTimeOnlyItems.state(), CheckBox::kOnState);
-    EXPECT_EQ(controls.includeTitleIconButton.state(), CheckBox::kOffState);
-}
-
-TEST_F(AwakeFromNib, WronglyTypedValuesShowTheKeysDefaults)
-{
-    put(SettingsKey::UseSymbolicNames, QStringLiteral("YES"));
-    put(SettingsKey::DynamicDateTimeChooser, qlonglong(1));
-    put(SettingsKey::IncludeGMTDateTime, qlonglong(0));
-    put(SettingsKey::IncludeTitleIcon, QStringLiteral("false"));
-    put(SettingsKey::IncludeDateOnlyItems, 1.0);
-    put(SettingsKey::LastTitleDisplayName, qlonglong(8));
-    awake();
-
-    EXPECT_EQ(controls.useSymbolicNames.state(), CheckBox::kOffState);
-    EXPECT_EQ(controls.dynamicDateTimeChooser.state(), CheckBox::kOffState);
-    EXPECT_EQ(controls.includeGMTDateTime.state(), CheckBox::kOnState);
-    EXPECT_EQ(controls.includeTitleIconButton.state(), CheckBox::kOnState);
-    EXPECT_EQ(controls.includeDateOnlyItems.state(), CheckBox::kOffState);
-    EXPECT_EQ(controls.menuTitleDisplayPopupButton.titleOfSelectedItem(),
-              QStringLiteral("Medium Date"));
-    // The wrong values stay until a control overwrites them.
-    EXPECT_EQ(stored(SettingsKey::UseSymbolicNames), QVariant(QStringLiteral("YES")));
-}
-
-TEST_F(AwakeFromNib, PopUpSelectsTheStoredTitleOrKeepsItsLayout)
-{
-    put(SettingsKey::LastTitleDisplayName, QStringLiteral("GMT"));
-    awake();
+    for (const auto &c : kBoxes)
+        EXPECT_EQ((controls.*c.box).state(), State(!c.byDefault)) << c.key.toStdString();
     EXPECT_EQ(controls.menuTitleDisplayPopupButton.indexOfSelectedItem(), 8);
-
-    InMemoryWindow otherWindow{memory.windowCenter};
-    InMemoryPrefPaneControls other{&otherWindow};
-    put(SettingsKey::LastTitleDisplayName, QStringLiteral("Bogus Date"));
-    HoraloPrefPane otherPane(platform, other.outlets());
-    otherPane.awakeFromNib();
-    EXPECT_EQ(other.menuTitleDisplayPopupButton.titleOfSelectedItem(),
-              QStringLiteral("Medium Date"));
-}
-
-TEST_F(AwakeFromNib, VersionLineIsNameSpaceVersion)
-{
-    awake();
-    EXPECT_EQ(controls.versionInfoField.stringValue(), QStringLiteral("Horalo 2.0"));
-}
-
-TEST_F(AwakeFromNib, LoadsStoredCustomFormatsInOrder)
-{
-    putFormats({QStringLiteral("%Y"), QStringLiteral("%d %b"), QStringLiteral("%Y")});
-    awake();
-    EXPECT_EQ(pane->customDateFormats(),
-              (QStringList{QStringLiteral("%Y"), QStringLiteral("%d %b"), QStringLiteral("%Y")}));
+    EXPECT_EQ(pane->customDateFormats(), (QStringList{u"%H"_s, u"%d %b"_s, u"%H"_s}));
     EXPECT_EQ(table().columnValues(kCustomDateFormatColumn), pane->customDateFormats());
     EXPECT_EQ(table().registeredDraggedTypes(), QStringList{kPrivateTableViewDataType});
     EXPECT_EQ(table().target(), pane.get());
 }
 
-TEST_F(AwakeFromNib, MalformedCustomFormatsLoadWhatIsUsable)
+TEST_F(AwakeFromNib, ValuesOfAnotherTypeOrAnUnknownTitleShowTheDefaults)
 {
-    put(SettingsKey::CustomDates,
-        QVariantList{QStringLiteral("%H"), qlonglong(3), QVariant(), QStringLiteral("%M")});
+    // Each a value that would read as the opposite of the default if its type were ignored.
+    for (const auto &c : kBoxes) {
+        const bool odd = (&c - kBoxes) % 2 == 1;
+        put(c.key, c.byDefault ? (odd ? QVariant(qlonglong(0)) : QVariant(u"false"_s))
+                               : (odd ? QVariant(1.0) : QVariant(u"YES"_s)));
+    }
+    put(SettingsKey::LastTitleDisplayName, qlonglong(8));
+    put(SettingsKey::CustomDates, u"%H"_s);
     awake();
-    EXPECT_EQ(pane->customDateFormats(), (QStringList{QStringLiteral("%H"), QStringLiteral("%M")}));
 
-    InMemoryWindow otherWindow{memory.windowCenter};
-    InMemoryPrefPaneControls other{&otherWindow};
-    put(SettingsKey::CustomDates, QStringLiteral("%H"));
-    HoraloPrefPane otherPane(platform, other.outlets());
-    otherPane.awakeFromNib();
-    EXPECT_TRUE(otherPane.customDateFormats().isEmpty());
+    for (const auto &c : kBoxes)
+        EXPECT_EQ((controls.*c.box).state(), State(c.byDefault)) << c.key.toStdString();
+    EXPECT_EQ(controls.menuTitleDisplayPopupButton.titleOfSelectedItem(), u"Medium Date"_s);
+    EXPECT_TRUE(pane->customDateFormats().isEmpty());
+    // The wrong values stay until a control overwrites them.
+    EXPECT_EQ(stored(SettingsKey::UseSymbolicNames), QVariant(u"YES"_s));
+
+    put(SettingsKey::LastTitleDisplayName, u"Bogus Date"_s);
+    const LoadedWindow other(memory, platform);
+    EXPECT_EQ(other.controls.menuTitleDisplayPopupButton.titleOfSelectedItem(), u"Medium Date"_s);
 }
 
 // --- each control writes its own key ---
 
 using SettingsActions = PrefPaneTest;
 
-TEST_F(SettingsActions, EachBoxWritesItsKeyAndSynchronisesWithoutBroadcast)
+TEST_F(SettingsActions, EachBoxWritesItsKeyAsABooleanAndSynchronisesWithoutBroadcast)
 {
+    put(SettingsKey::UseSymbolicNames, u"YES"_s); // repaired by the clicks
     awake();
-    const std::pair<InMemoryCheckBox *, QString> boxes[] = {
-        {&controls.useSymbolicNames, SettingsKey::UseSymbolicNames},
-        {&controls.initDateTimeChooserToCurrentTimeWhenOpened,
-         SettingsKey::InitDateTimeChooserToCurrentTimeWhenOpened},
-        {&controls.dynamicDateTimeChooser, SettingsKey::DynamicDateTimeChooser},
-        {&controls.includeGMTDateTime, SettingsKey::IncludeGMTDateTime},
-        {&controls.includeDateOnlyItems, SettingsKey::IncludeDateOnlyItems},
-        {&controls.includeTimeOnlyItems, SettingsKey::IncludeTimeOnlyItems},
-        {&controls.includeTitleIconButton, SettingsKey::IncludeTitleIcon},
-    };
-    for (const auto &[box, key] : boxes) {
-        SCOPED_TRACE(key.toStdString());
-        const bool wasOn = box->state() != CheckBox::kOffState;
-        storeLog().clear();
-        box->click();
-        EXPECT_EQ(storeLog(), SetAndSync(key));
-        const QVariant value = stored(key);
-        EXPECT_EQ(value.typeId(), QMetaType::Bool);
-        EXPECT_EQ(value.toBool(), !wasOn);
-        // The status-menu side sees it at its next read, before any window closes.
-        EXPECT_EQ(ReadBooleanSetting(memory.store, key), !wasOn);
+    for (const auto &c : kBoxes) {
+        SCOPED_TRACE(c.key.toStdString());
+        for (const bool on : {!c.byDefault, c.byDefault}) {
+            storeLog().clear();
+            (controls.*c.box).click();
+            EXPECT_EQ(storeLog(), (QStringList{u"set "_s + c.key, u"sync"_s}));
+            EXPECT_EQ(stored(c.key), QVariant(on));
+            // The status-menu side sees it at its next read, before any window closes.
+            EXPECT_EQ(ReadBooleanSetting(memory.store, c.key), on);
+        }
     }
     EXPECT_EQ(deliveredBroadcasts(), 0);
-}
 
-TEST_F(SettingsActions, MixedStateCountsAsTrue)
-{
-    awake();
+    // A mixed box counts as on.
     controls.dynamicDateTimeChooser.setState(CheckBox::kMixedState);
     pane->dynamicDateTimeChooser(&controls.dynamicDateTimeChooser);
     EXPECT_EQ(stored(SettingsKey::DynamicDateTimeChooser), QVariant(true));
 }
 
-TEST_F(SettingsActions, TwoClicksRepairAWronglyTypedBoolean)
+TEST_F(SettingsActions, PopUpWritesTheTitleAtItsIndexNarrowedToSixteenBits)
 {
-    put(SettingsKey::UseSymbolicNames, QStringLiteral("YES"));
+    QStringList titles(kTitleDisplayNames.begin(), kTitleDisplayNames.end());
+    for (qsizetype i = titles.size(); i < 65540; ++i)
+        titles.append(u"T%1"_s.arg(i));
+    controls.menuTitleDisplayPopupButton = InMemoryPopUpButton(titles, 1);
     awake();
-    controls.useSymbolicNames.click();
-    controls.useSymbolicNames.click();
-    EXPECT_EQ(stored(SettingsKey::UseSymbolicNames).typeId(), QMetaType::Bool);
-    EXPECT_EQ(stored(SettingsKey::UseSymbolicNames), QVariant(false));
-}
 
-TEST_F(SettingsActions, PopUpWritesTheChosenTitle)
-{
-    awake();
     controls.menuTitleDisplayPopupButton.userSelectsItemAtIndex(5);
-    EXPECT_EQ(stored(SettingsKey::LastTitleDisplayName),
-              QVariant(QStringLiteral("Medium Date Time")));
-    EXPECT_EQ(storeLog(), SetAndSync(SettingsKey::LastTitleDisplayName));
-    EXPECT_EQ(TitleDisplayName(memory.store), QStringLiteral("Medium Date Time"));
-    EXPECT_EQ(deliveredBroadcasts(), 0);
-}
-
-TEST_F(SettingsActions, PopUpWithoutATitleOnlySynchronises)
-{
-    put(SettingsKey::LastTitleDisplayName, QStringLiteral("GMT"));
-    awake();
-    controls.menuTitleDisplayPopupButton.userSelectsItemAtIndex(-1);
-    EXPECT_EQ(storeLog(), QStringList{QStringLiteral("sync")});
-    EXPECT_EQ(stored(SettingsKey::LastTitleDisplayName), QVariant(QStringLiteral("GMT")));
-}
-
-TEST_F(SettingsActions, PopUpIndexIsNarrowedToSixteenBits)
-{
-    QStringList titles;
-    for (int i = 0; i < 65540; ++i)
-        titles.append(QStringLiteral("T%1").arg(i));
-    controls.menuTitleDisplayPopupButton = InMemoryPopUpButton(titles, 0);
-    awake();
+    EXPECT_EQ(stored(SettingsKey::LastTitleDisplayName), QVariant(u"Medium Date Time"_s));
+    EXPECT_EQ(storeLog(), (QStringList{u"set LastTitleDisplayName"_s, u"sync"_s}));
     controls.menuTitleDisplayPopupButton.userSelectsItemAtIndex(65537);
-    EXPECT_EQ(stored(SettingsKey::LastTitleDisplayName), QVariant(QStringLiteral("T1")));
+    EXPECT_EQ(stored(SettingsKey::LastTitleDisplayName), QVariant(u"Medium Date"_s));
+
+    // Nothing selected: only a synchronisation.
+    storeLog().clear();
+    controls.menuTitleDisplayPopupButton.userSelectsItemAtIndex(-1);
+    EXPECT_EQ(storeLog(), QStringList{u"sync"_s});
+    EXPECT_EQ(stored(SettingsKey::LastTitleDisplayName), QVariant(u"Medium Date"_s));
+    EXPECT_EQ(deliveredBroadcasts(), 0);
 }
 
 // --- saving when a window closes ---
 
 using Save = PrefPaneTest;
 
-TEST_F(Save, WritesSixBooleansAndTheFormatsThenSynchronisesOnceAndBroadcastsOnce)
+TEST_F(Save, WritesTheSixBoxesAndTheListAsShownThenSynchronisesAndBroadcastsOnce)
 {
-    putFormats({QStringLiteral("%j")});
+    putFormats({u"%j"_s});
+    put(SettingsKey::LastTitleDisplayName, u"GMT"_s);
     awake();
     controls.includeDateOnlyItems.setState(CheckBox::kOnState);
-    pane->save();
-
-    EXPECT_EQ(storeLog(), (QStringList{
-                              QStringLiteral("set UseSymbolicNames"),
-                              QStringLiteral("set InitDateTimeChooserToCurrentTimeWhenOpened"),
-                              QStringLiteral("set DynamicDateTimeChooser"),
-                              QStringLiteral("set IncludeGMTDateTime"),
-                              QStringLiteral("set IncludeDateOnlyItems"),
-                              QStringLiteral("set IncludeTimeOnlyItems"),
-                              QStringLiteral("set Custom Dates"),
-                              QStringLiteral("sync"),
-                          }));
-    EXPECT_EQ(memory.distributedCenter.postCount(), 1);
-    EXPECT_EQ(deliveredBroadcasts(), 1);
-    EXPECT_EQ(stored(SettingsKey::IncludeDateOnlyItems), QVariant(true));
-    EXPECT_EQ(stored(SettingsKey::IncludeGMTDateTime), QVariant(true));
-    EXPECT_EQ(stored(SettingsKey::UseSymbolicNames), QVariant(false));
-    EXPECT_EQ(stored(SettingsKey::CustomDates).typeId(), QMetaType::QVariantList);
-    EXPECT_EQ(storedFormats(), QStringList{QStringLiteral("%j")});
-}
-
-TEST_F(Save, LeavesTitleIconAndTitleNameToTheirOwnControls)
-{
-    put(SettingsKey::IncludeTitleIcon, false);
-    put(SettingsKey::LastTitleDisplayName, QStringLiteral("GMT"));
-    awake();
-    // The controls now disagree with the store, without their actions having run.
-    controls.includeTitleIconButton.setState(CheckBox::kOnState);
-    controls.menuTitleDisplayPopupButton.selectItemWithTitle(QStringLiteral("Full Date"));
-    pane->save();
-
-    EXPECT_EQ(stored(SettingsKey::IncludeTitleIcon), QVariant(false));
-    EXPECT_EQ(stored(SettingsKey::LastTitleDisplayName), QVariant(QStringLiteral("GMT")));
-    EXPECT_FALSE(storeLog().contains(QStringLiteral("set IncludeTitleIcon")));
-    EXPECT_FALSE(storeLog().contains(QStringLiteral("set LastTitleDisplayName")));
-}
-
-TEST_F(Save, WritesWhatTheBoxesShowNotWhatTheStoreHolds)
-{
-    awake();
+    controls.menuTitleDisplayPopupButton.selectItemWithTitle(u"Full Date"_s);
     // Written by someone else after the window loaded: the boxes are not re-read, not even
     // when the window is shown again, and save puts their state back.
-    put(SettingsKey::UseSymbolicNames, true);
-    put(SettingsKey::IncludeGMTDateTime, false);
+    for (const auto &c : kBoxes)
+        put(c.key, (controls.*c.box).state() == CheckBox::kOffState);
+    putFormats({u"other"_s});
     preferencesWindow.makeKeyAndOrderFront();
     EXPECT_EQ(controls.useSymbolicNames.state(), CheckBox::kOffState);
+    storeLog().clear();
     pane->save();
-    EXPECT_EQ(stored(SettingsKey::UseSymbolicNames), QVariant(false));
-    EXPECT_EQ(stored(SettingsKey::IncludeGMTDateTime), QVariant(true));
+
+    for (const auto &c : kBoxes) {
+        const bool shown = (controls.*c.box).state() != CheckBox::kOffState;
+        // The title's icon and name are their own controls' to store, at the click: a save
+        // must not overwrite a value set elsewhere since.
+        const bool saved = c.key != SettingsKey::IncludeTitleIcon;
+        EXPECT_EQ(stored(c.key), QVariant(saved ? shown : !shown)) << c.key.toStdString();
+    }
+    EXPECT_EQ(stored(SettingsKey::LastTitleDisplayName), QVariant(u"GMT"_s));
+    EXPECT_EQ(stored(SettingsKey::CustomDates), QVariant(QVariantList{u"%j"_s}));
+    EXPECT_EQ(storeLog().count(u"sync"_s), 1);
+    EXPECT_EQ(storeLog().last(), u"sync"_s);
+    EXPECT_EQ(memory.distributedCenter.postCount(), 1);
+    EXPECT_EQ(deliveredBroadcasts(), 1);
 }
 
-TEST_F(Save, RunsWheneverAnyWindowCloses)
+TEST_F(Save, RunsWheneverAnyWindowClosesEvenIfThePreferencesWindowWasNeverShown)
 {
+    putFormats({u"%H:%M"_s});
     awake();
+    controls.includeTimeOnlyItems.setState(CheckBox::kOnState);
+    put(SettingsKey::CustomDates, QVariant());
+    memory.chooserWindow.makeKeyAndOrderFront();
+    memory.chooserWindow.close();
+    EXPECT_EQ(deliveredBroadcasts(), 1);
+    EXPECT_EQ(stored(SettingsKey::IncludeTimeOnlyItems), QVariant(true));
+    EXPECT_EQ(storedFormats(), QStringList{u"%H:%M"_s});
+
     preferencesWindow.makeKeyAndOrderFront();
     preferencesWindow.close();
-    EXPECT_EQ(deliveredBroadcasts(), 1);
-
-    // The chooser's window, never the preferences window, and with a box changed meanwhile.
-    controls.includeTimeOnlyItems.setState(CheckBox::kOnState);
-    memory.chooserWindow.makeKeyAndOrderFront();
-    memory.chooserWindow.close();
     EXPECT_EQ(deliveredBroadcasts(), 2);
-    EXPECT_EQ(stored(SettingsKey::IncludeTimeOnlyItems), QVariant(true));
-}
-
-TEST_F(Save, ChooserClosingSavesEvenIfThePreferencesWindowWasNeverShown)
-{
-    putFormats({QStringLiteral("%H:%M")});
-    awake();
-    memory.store.setAppValue(SettingsKey::CustomDates, QVariant(), AppIdentifier);
-    memory.chooserWindow.makeKeyAndOrderFront();
-    memory.chooserWindow.close();
-    EXPECT_EQ(storedFormats(), QStringList{QStringLiteral("%H:%M")});
-    EXPECT_EQ(memory.distributedCenter.postCount(), 1);
 }
 
 } // namespace
