@@ -83,14 +83,3 @@ TEST_F(RebuildTriggers, AnotherProcessOnTheSameBusTriggersARebuild)
     running.processEvents();
     EXPECT_EQ(app.setupCount(), 2);
 }
-
-TEST_F(RebuildTriggers, EveryOpeningRereadsTheStore)
-{
-    launch();
-    const int before = controller.setupCount();
-    item().openMenu();
-    item().openMenu();
-    EXPECT_EQ(controller.setupCount(), before + 2);
-    EXPECT_GE(platform.ownStore.log.count(QStringLiteral("sync")), 2 * 6)
-        << "every setting read goes to the store afresh";
-}

@@ -43,31 +43,9 @@ protected:
 
 using CopyRequest = SessionRequestsTest;
 
-TEST_F(CopyRequest, MenuNamesCopyWhatTheirEntriesCopyAndReturnTheSameBytes)
-{
-    ASSERT_EQ(session.requests, requests.get());
-    const struct
-    {
-        const char *name;
-        QByteArray text;
-    } cases[] = {
-        {"Numerical Date No Hyphens", "20060310"},
-        {"Numerical Date Time", "2006-03-10 14:31:47"},
-        {"GMT Date Time", "2006-03-10 14:31:47 -0500"},
-        {"Long Date", "March 10, 2006"},
-        // The date-and-time entries keep their hyphen in the menu's names.
-        {"Short Date-Time", "3/10/06, 2:31\u202fPM"},
-    };
-    for (const auto &expected : cases) {
-        const SessionRequests::CopyResult result = copy(expected.name);
-        EXPECT_EQ(result.status, SessionRequests::CopyStatus::Copied) << expected.name;
-        EXPECT_EQ(result.text, expected.text) << expected.name;
-        EXPECT_EQ(platform.clipboard.contents(), expected.text) << expected.name;
-    }
-}
-
 TEST_F(CopyRequest, EveryMenuNameCopiesTheTextOfTheEntryOfThatName)
 {
+    ASSERT_EQ(session.requests, requests.get());
     set(SettingsKey::IncludeDateOnlyItems, true);
     set(SettingsKey::IncludeTimeOnlyItems, true);
     set(SettingsKey::UseSymbolicNames, true);
@@ -78,17 +56,20 @@ TEST_F(CopyRequest, EveryMenuNameCopiesTheTextOfTheEntryOfThatName)
     const QList<MenuItem> shown = controller.statusMenu().menu()->items();
     ASSERT_EQ(named.size(), shown.size());
 
+    // The date-and-time entries keep their hyphen in the menu's names ("Short Date-Time").
     for (const CatalogueFormat &format : DateFormatCatalogue()) {
         const QString name = format.menuName.toString();
+        SCOPED_TRACE(name.toStdString());
         const auto entry = std::find_if(named.begin(), named.end(), [&name](const MenuItem &item) {
             return item.title == name;
         });
-        ASSERT_NE(entry, named.end()) << name.toStdString();
+        ASSERT_NE(entry, named.end());
         const SessionRequests::CopyResult result = copy(name.toUtf8().constData());
-        EXPECT_EQ(result.status, SessionRequests::CopyStatus::Copied) << name.toStdString();
-        EXPECT_EQ(result.text, shown.at(entry - named.begin()).title.toUtf8())
-            << name.toStdString();
+        EXPECT_EQ(result.status, SessionRequests::CopyStatus::Copied);
+        EXPECT_EQ(result.text, shown.at(entry - named.begin()).title.toUtf8());
+        EXPECT_EQ(platform.clipboard.contents(), result.text);
     }
+    EXPECT_EQ(copy("Numerical Date No Hyphens").text, QByteArray("20060310"));
 }
 
 TEST_F(CopyRequest, CustomFormatsFollowThePrefixAndThePickedMoment)
@@ -105,31 +86,23 @@ TEST_F(CopyRequest, CustomFormatsFollowThePrefixAndThePickedMoment)
     EXPECT_EQ(platform.clipboard.contents(), QByteArray());
 }
 
-TEST_F(CopyRequest, NamesThatAreNoFormatCopyNothing)
+TEST_F(CopyRequest, WhatIsNoFormatOrCannotBeProducedOrPutCopiesNothing)
 {
     platform.clipboard.setContents("kept");
     // Title names lack the hyphen, case matters, and the prefix is exact.
     for (const char *name : {"", "Medium Date Time", "numerical date", "Numerical Date ",
-                             "Custom:%Y", "Preferences...", "Quit", "customDateFormatter:"}) {
+                             "Custom:%Y", "Preferences...", "Quit", "customDateFormatter:"})
         EXPECT_EQ(copy(name).status, SessionRequests::CopyStatus::UnknownFormat) << name;
-    }
-    EXPECT_EQ(platform.clipboard.contents(), QByteArray("kept"));
-    EXPECT_EQ(platform.clipboard.writeCount(), 0);
-}
 
-TEST_F(CopyRequest, TextsThatCannotBeProducedOrPutCopyNothing)
-{
-    platform.clipboard.setContents("kept");
     g_selectedDateTime = kBeyondAnyCalendar;
     EXPECT_EQ(copy("Medium Date").status, SessionRequests::CopyStatus::NotRendered);
     EXPECT_EQ(copy("custom:%Y").status, SessionRequests::CopyStatus::NotRendered);
-    EXPECT_EQ(platform.clipboard.contents(), QByteArray("kept"));
-
     g_selectedDateTime = 0;
     platform.clipboard.setUnreachableStatus(-1);
     EXPECT_EQ(copy("Medium Date").status, SessionRequests::CopyStatus::NotRendered)
         << "a clipboard that cannot be reached copies nothing";
     EXPECT_EQ(platform.clipboard.contents(), QByteArray("kept"));
+    EXPECT_EQ(platform.clipboard.writeCount(), 0);
 }
 
 using TitleAnnouncements = SessionRequestsTest;
@@ -152,21 +125,18 @@ TEST_F(TitleAnnouncements, OnlyATitleThatReadsDifferentlyIsAnnounced)
     EXPECT_EQ(session.requests->title(), QStringLiteral("14:32:05"));
 }
 
-TEST_F(TitleAnnouncements, AStoppedControllerAnnouncesNothingMore)
+TEST_F(TitleAnnouncements, PickedMomentIsTheChoosersValueAndAStoppedControllerSaysNothing)
 {
+    EXPECT_FALSE(session.requests->pickedMoment().has_value());
+    g_selectedDateTime = kFriday - 3 * kDay;
+    EXPECT_EQ(session.requests->pickedMoment(), kFriday - 3 * kDay);
+
     set(SettingsKey::MenuTitleFormatter, QStringLiteral("%S"));
     platform.timers.advance(1.0);
     requests.reset();
     EXPECT_EQ(session.requests, nullptr);
     platform.timers.advance(3.0);
     EXPECT_EQ(session.announcedTitles.size(), 1);
-}
-
-TEST_F(TitleAnnouncements, PickedMomentIsTheChoosersValue)
-{
-    EXPECT_FALSE(session.requests->pickedMoment().has_value());
-    g_selectedDateTime = kFriday - 3 * kDay;
-    EXPECT_EQ(session.requests->pickedMoment(), kFriday - 3 * kDay);
 }
 
 using EntryRequests = SessionRequestsTest;
@@ -227,15 +197,12 @@ protected:
     QString output;
 };
 
-TEST_F(SecondStart, TheFirstRunsAndSaysNothing)
+TEST_F(SecondStart, TheFirstRunsSilentlyALaterOneAsksForPreferencesAndSaysSoInOneLine)
 {
     EXPECT_EQ(start(), std::nullopt);
     EXPECT_EQ(session.preferencesAsked, 0);
     EXPECT_EQ(output, QString());
-}
 
-TEST_F(SecondStart, ALaterOneAsksForPreferencesSaysSoInOneLineAndSucceeds)
-{
     session.heldByAnother = true;
     EXPECT_EQ(start(), 0);
     EXPECT_EQ(session.preferencesAsked, 1);

@@ -22,16 +22,22 @@ protected:
     HoraloPrefPane preferences{services, controls.outlets()};
 };
 
-TEST_F(WholeApplication, ClosingTheChooserSavesBroadcastsOnceAndRebuilds)
+TEST_F(WholeApplication, ClosingAnyWindowSavesBroadcastsOnceAndTheMenuRebuildsAtOnce)
 {
     item().openMenu();
     ASSERT_TRUE(item().chooseItemTitled(QStringLiteral("Date-Time Chooser")));
+    preferencesWindow.makeKeyAndOrderFront();
+    controls.addCusomDateButton.click();
+    controls.customDatesTable.userEditsCell(QStringLiteral("Custom Date Format"), 0,
+                                            QStringLiteral("week %j"));
+    EXPECT_EQ(titleOf(MenuAction::CustomDateFormatter), QString());
     const int builds = controller.setupCount();
     platform.chooserWindow.close();
     EXPECT_EQ(platform.distributedCenter.postCount(), 1);
     platform.processEvents();
     EXPECT_EQ(controller.setupCount(), builds + 1);
-    // The save wrote the window's booleans, as their defaults here.
+    EXPECT_EQ(titleOf(MenuAction::CustomDateFormatter), QStringLiteral("week 069"));
+    // The save wrote the window's booleans, as their defaults here, and not the title's icon.
     EXPECT_EQ(platform.store.copyAppValue(SettingsKey::IncludeDateOnlyItems, AppIdentifier),
               QVariant(false));
     EXPECT_FALSE(
@@ -45,19 +51,7 @@ TEST_F(WholeApplication, ABoxTickedInPreferencesShowsAtTheNextOpening)
     controls.useSymbolicNames.click();
     EXPECT_EQ(platform.distributedCenter.postCount(), 0) << "a click writes, it does not broadcast";
     item().openMenu();
-    EXPECT_NE(titleOf(MenuAction::FullDate), QString());
     EXPECT_EQ(titleOf(MenuAction::FullDate), QStringLiteral("Full Date"));
-}
-
-TEST_F(WholeApplication, CustomFormatsReachTheMenuAtOnceWhenTheWindowCloses)
-{
-    preferencesWindow.makeKeyAndOrderFront();
-    controls.addCusomDateButton.click();
-    controls.customDatesTable.userEditsCell(QStringLiteral("Custom Date Format"), 0,
-                                            QStringLiteral("week %j"));
-    preferencesWindow.close();
-    platform.processEvents();
-    EXPECT_EQ(titleOf(MenuAction::CustomDateFormatter), QStringLiteral("week 069"));
 }
 
 TEST_F(WholeApplication, ATickingChooserClosedDirectlyStaysHeldThroughTheRebuild)
@@ -90,6 +84,12 @@ protected:
 
 TEST_F(SettingsFromOutside, SurviveEveryWindowCloseAndShowInTheWindow)
 {
+    // A window that closes before the event loop has turned: save itself must look first.
+    writeFromOutside(SettingsKey::IncludeTimeOnlyItems, true);
+    preferencesWindow.makeKeyAndOrderFront();
+    preferencesWindow.close();
+    EXPECT_EQ(stored(SettingsKey::IncludeTimeOnlyItems), QVariant(true));
+
     writeFromOutside(SettingsKey::IncludeDateOnlyItems, true);
     writeFromOutside(SettingsKey::CustomDates, QVariantList{QStringLiteral("week %j")});
     platform.processEvents();
@@ -104,15 +104,6 @@ TEST_F(SettingsFromOutside, SurviveEveryWindowCloseAndShowInTheWindow)
     platform.processEvents();
     EXPECT_EQ(stored(SettingsKey::IncludeDateOnlyItems), QVariant(true));
     EXPECT_EQ(stored(SettingsKey::CustomDates), QVariantList{QStringLiteral("week %j")});
-}
-
-TEST_F(SettingsFromOutside, AChangeNotYetNoticedIsTakenInBeforeASave)
-{
-    // The window closes before the event loop has turned: save itself must look first.
-    writeFromOutside(SettingsKey::IncludeTimeOnlyItems, true);
-    preferencesWindow.makeKeyAndOrderFront();
-    preferencesWindow.close();
-    EXPECT_EQ(stored(SettingsKey::IncludeTimeOnlyItems), QVariant(true));
 }
 
 TEST_F(SettingsFromOutside, KeepWhatTheUserChangedInTheWindowSince)

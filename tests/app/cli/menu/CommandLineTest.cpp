@@ -3,78 +3,48 @@
 // can be reached (these tests have no session bus).
 
 #include "app/cli/Cli.h"
+#include "app/cli/CommandResult.h"
 #include "app/cli/TimeArgument.h"
 #include "platform/Version.h"
-#include "support/QtPrinters.h"
 
 #include <QJsonDocument>
 #include <QJsonObject>
 #include <QRegularExpression>
 
-#include <gtest/gtest.h>
+using namespace Qt::StringLiterals;
 
 namespace {
 
-struct Result
+CommandResult Horalo(const QStringList &arguments)
 {
-    std::optional<int> status;
-    QString out;
-    QString err;
-};
-
-Result Horalo(const QStringList &arguments)
-{
-    Result result;
-    QTextStream out(&result.out);
-    QTextStream err(&result.err);
-    result.status = RunCommandLine(QStringList{QStringLiteral("horalo")} + arguments, out, err);
-    out.flush();
-    err.flush();
-    return result;
+    return RunCommand(
+        [](const QStringList &words, QTextStream &out, QTextStream &err) {
+            return RunCommandLine(QStringList{u"horalo"_s} + words, out, err);
+        },
+        arguments);
 }
 
-void ExpectBadInput(const Result &result, int status = 2)
+TEST(CommandLine, HelpListsEveryCommandOnALineOfItsOwnAndVersionNamesTheProgram)
 {
-    EXPECT_EQ(result.status, status) << result.err.toStdString();
-    EXPECT_TRUE(result.out.isEmpty()) << result.out.toStdString();
-    EXPECT_TRUE(result.err.startsWith(QStringLiteral("horalo: "))) << result.err.toStdString();
-    EXPECT_EQ(result.err.count(QLatin1Char('\n')), 1) << result.err.toStdString();
-}
-
-const QStringList kCommands{
-    QStringLiteral("defaults"),  QStringLiteral("render"), QStringLiteral("since"),
-    QStringLiteral("menu"),      QStringLiteral("title"),  QStringLiteral("copy"),
-    QStringLiteral("show-menu"),
-};
-
-TEST(CommandLine, NothingButTheProgramStartsTheDesktopApplication)
-{
-    EXPECT_EQ(Horalo({}).status, std::nullopt);
-}
-
-TEST(CommandLine, HelpListsEveryCommandOnALineOfItsOwn)
-{
-    for (const char *option : {"--help", "-h"}) {
-        const Result result = Horalo({QString::fromLatin1(option)});
-        EXPECT_EQ(result.status, 0) << option;
+    EXPECT_EQ(Horalo({}).status, std::nullopt) << "nothing but the program: the desktop one";
+    for (const QString &option : {u"--help"_s, u"-h"_s}) {
+        const CommandResult result = Horalo({option});
+        EXPECT_EQ(result.status, 0) << option.toStdString();
         EXPECT_TRUE(result.err.isEmpty());
-        const QStringList lines = result.out.split(QLatin1Char('\n'));
-        for (const QString &command : kCommands) {
+        const QStringList lines = result.out.split(u'\n');
+        for (const char *command :
+             {"defaults", "render", "since", "menu", "title", "copy", "show-menu"}) {
+            const QString start = u"  "_s + QLatin1String(command) + u' ';
             const auto described = std::count_if(lines.begin(), lines.end(), [&](const QString &l) {
-                return l.startsWith(QStringLiteral("  ") + command + QLatin1Char(' ')) &&
-                       l.size() > command.size() + 8;
+                return l.startsWith(start) && l.size() > start.size() + 6;
             });
-            EXPECT_EQ(described, 1) << command.toStdString() << " in\n" << result.out.toStdString();
+            EXPECT_EQ(described, 1) << command << " in\n" << result.out.toStdString();
         }
     }
-}
-
-TEST(CommandLine, VersionNamesTheProgramAndItsVersion)
-{
-    const Result result = Horalo({QStringLiteral("--version")});
-    EXPECT_EQ(result.status, 0);
-    EXPECT_EQ(result.out, QStringLiteral("horalo " HORALO_VERSION "\n"));
-    EXPECT_TRUE(result.err.isEmpty());
+    const CommandResult version = Horalo({u"--version"_s});
+    EXPECT_EQ(version.status, 0);
+    EXPECT_EQ(version.out, QStringLiteral("horalo " HORALO_VERSION "\n"));
+    EXPECT_TRUE(version.err.isEmpty());
 }
 
 TEST(CommandLine, EachCommandDescribesItsOwnArguments)
@@ -84,106 +54,88 @@ TEST(CommandLine, EachCommandDescribesItsOwnArguments)
         const char *command;
         QStringList mentions;
     } cases[] = {
-        {"defaults", {QStringLiteral("-bool"), QStringLiteral("delete KEY")}},
-        {"render", {QStringLiteral("--format <FORMAT>"), QStringLiteral("--at <TIME>")}},
-        {"since", {QStringLiteral("--depth <N>"), QStringLiteral("TIME")}},
-        {"menu", {QStringLiteral("--now <TIME>")}},
-        {"title", {QStringLiteral("--follow"), QStringLiteral("--json")}},
-        {"copy", {QStringLiteral("--clipboard"), QStringLiteral("NAME")}},
-        {"show-menu", {QStringLiteral("pointer")}},
+        {"defaults", {u"-bool"_s, u"delete KEY"_s}},
+        {"render", {u"--format <FORMAT>"_s, u"--at <TIME>"_s}},
+        {"since", {u"--depth <N>"_s, u"TIME"_s}},
+        {"menu", {u"--now <TIME>"_s}},
+        {"title", {u"--follow"_s, u"--json"_s}},
+        {"copy", {u"--clipboard"_s, u"NAME"_s}},
+        {"show-menu", {u"pointer"_s}},
     };
     for (const auto &c : cases) {
-        for (const char *help : {"--help", "-h"}) {
-            const Result result =
-                Horalo({QString::fromLatin1(c.command), QString::fromLatin1(help)});
-            EXPECT_EQ(result.status, 0) << c.command << ' ' << help;
-            EXPECT_TRUE(result.out.startsWith(QStringLiteral("Usage: horalo ") +
-                                              QString::fromLatin1(c.command)))
+        for (const QString &help : {u"--help"_s, u"-h"_s}) {
+            SCOPED_TRACE(testing::Message() << c.command << ' ' << help.toStdString());
+            const CommandResult result = Horalo({QLatin1String(c.command), help});
+            EXPECT_EQ(result.status, 0);
+            EXPECT_TRUE(result.out.startsWith(u"Usage: horalo "_s + QLatin1String(c.command)))
                 << result.out.toStdString();
             for (const QString &mention : c.mentions)
-                EXPECT_TRUE(result.out.contains(mention))
-                    << c.command << ": " << mention.toStdString();
+                EXPECT_TRUE(result.out.contains(mention)) << mention.toStdString();
         }
     }
 }
 
-TEST(CommandLine, BadInputIsOneLineAndStatusTwo)
+TEST(CommandLine, BadInputIsOneLineWithStatusTwoOrOneWhenNoHoraloCanBeReached)
 {
-    ExpectBadInput(Horalo({QStringLiteral("--bogus")}));
-    ExpectBadInput(Horalo({QStringLiteral("-x")}));
-    ExpectBadInput(Horalo({QStringLiteral("frobnicate")}));
-    ExpectBadInput(Horalo({QStringLiteral("--help-me")}));
-    ExpectBadInput(Horalo({QStringLiteral("menu"), QStringLiteral("--follow")}));
-    ExpectBadInput(Horalo({QStringLiteral("render"), QStringLiteral("--format")}));
-    ExpectBadInput(Horalo({QStringLiteral("since"), QStringLiteral("--depth"),
-                           QStringLiteral("two"), QStringLiteral("@0")}));
-    ExpectBadInput(Horalo({QStringLiteral("show-menu"), QStringLiteral("now")}));
-    // The live title and the running Horalo's copy have their own moment.
-    ExpectBadInput(Horalo({QStringLiteral("title"), QStringLiteral("--follow"),
-                           QStringLiteral("--at"), QStringLiteral("@0")}));
-    ExpectBadInput(
-        Horalo({QStringLiteral("copy"), QStringLiteral("Numerical Date"),
-                QStringLiteral("--clipboard"), QStringLiteral("--now"), QStringLiteral("@0")}));
-    // The name is checked before any Horalo is asked.
-    ExpectBadInput(Horalo(
-        {QStringLiteral("copy"), QStringLiteral("numerical date"), QStringLiteral("--clipboard")}));
+    const std::pair<const char *, int> cases[] = {
+        {"--bogus", 2},
+        {"-x", 2},
+        {"frobnicate", 2},
+        {"--help-me", 2},
+        {"menu --follow", 2},
+        {"show-menu now", 2},
+        // The live title and the running Horalo's copy have their own moment.
+        {"title --follow --at @0", 2},
+        {R"(copy "Numerical Date" --clipboard --now @0)", 2},
+        // The name is checked before any Horalo is asked.
+        {R"(copy "numerical date" --clipboard)", 2},
+        {"show-menu", 1},
+        {R"(copy "Numerical Date" --clipboard)", 1},
+    };
+    for (const auto &[words, status] : cases) {
+        SCOPED_TRACE(words);
+        ExpectBadInput(Horalo(Words(words)), status);
+    }
 }
 
 TEST(CommandLine, TheTimeRangeTheHelpStatesIsTheRangeTaken)
 {
-    const QString help = Horalo({QStringLiteral("--help")}).out;
+    const QString help = Horalo({u"--help"_s}).out;
     const QRegularExpressionMatch range =
-        QRegularExpression(QStringLiteral("TIME is .*within .*\\((\\S+) to (\\S+)\\)")).match(help);
+        QRegularExpression(u"TIME is .*within .*\\((\\S+) to (\\S+)\\)"_s).match(help);
     ASSERT_TRUE(range.hasMatch()) << help.toStdString();
-    EXPECT_TRUE(Horalo({QStringLiteral("render"), QStringLiteral("--help")})
-                    .out.contains(range.captured(1)));
+    EXPECT_TRUE(Horalo({u"render"_s, u"--help"_s}).out.contains(range.captured(1)));
 
     const auto render = [](const QString &now) {
-        return Horalo(
-            {QStringLiteral("render"), QStringLiteral("--now"), now, QStringLiteral("Long Date")});
-    };
-    const auto unixSeconds = [](const QString &time) {
-        return qint64(ParseTimeArgument(time).value() + kAbsoluteTimeIntervalSince1970);
+        return Horalo({u"render"_s, u"--now"_s, now, u"Long Date"_s});
     };
     for (const auto &[end, beyond] :
          {std::pair{range.captured(1), qint64(-1)}, std::pair{range.captured(2), qint64(1)}}) {
-        const Result inside = render(end);
+        const CommandResult inside = render(end);
         EXPECT_EQ(inside.status, 0) << end.toStdString() << ": " << inside.err.toStdString();
         EXPECT_FALSE(inside.out.trimmed().isEmpty()) << end.toStdString();
-        const QString outside = u'@' + QString::number(unixSeconds(end) + beyond);
-        ExpectBadInput(render(outside));
+        const qint64 unixSeconds =
+            qint64(ParseTimeArgument(end).value() + kAbsoluteTimeIntervalSince1970);
+        ExpectBadInput(render(u'@' + QString::number(unixSeconds + beyond)));
     }
-}
-
-TEST(CommandLine, CommandsForTheRunningHoraloSayWhenNoneCanBeReached)
-{
-    ExpectBadInput(Horalo({QStringLiteral("show-menu")}), 1);
-    ExpectBadInput(Horalo({QStringLiteral("copy"), QStringLiteral("Numerical Date"),
-                           QStringLiteral("--clipboard")}),
-                   1);
 }
 
 TEST(CommandLine, TitleAsJsonTellsAPickedMoment)
 {
-    const QString now = QStringLiteral("2006-03-10T14:31:47-05:00");
-    Result result =
-        Horalo({QStringLiteral("title"), QStringLiteral("--json"), QStringLiteral("--now"), now});
-    ASSERT_EQ(result.status, 0) << result.err.toStdString();
-    QJsonObject line = QJsonDocument::fromJson(result.out.toUtf8()).object();
-    EXPECT_EQ(line.value(QStringLiteral("text")).toString(), QStringLiteral("Mar 10, 2006"));
-    EXPECT_EQ(line.value(QStringLiteral("tooltip")).toString(),
-              QStringLiteral("It is now: Mar 10, 2006, 2:31\u202fPM"));
-    EXPECT_EQ(line.value(QStringLiteral("class")).toString(), QStringLiteral("now"));
-
-    result = Horalo({QStringLiteral("title"), QStringLiteral("--json"), QStringLiteral("--now"),
-                     now, QStringLiteral("--at"), QStringLiteral("2006-03-20T14:31:47-05:00")});
-    ASSERT_EQ(result.status, 0) << result.err.toStdString();
-    line = QJsonDocument::fromJson(result.out.toUtf8()).object();
-    EXPECT_EQ(line.value(QStringLiteral("text")).toString(), QStringLiteral("Mar 20, 2006"));
-    EXPECT_EQ(line.value(QStringLiteral("tooltip")).toString(),
-              QStringLiteral("It is now: Mar 10, 2006, 2:31\u202fPM\n"
-                             "Days To Mar 20, 2006, 2:31\u202fPM: 10 days"));
-    EXPECT_EQ(line.value(QStringLiteral("class")).toString(), QStringLiteral("picked"));
+    const auto json = [](const char *words) {
+        const CommandResult result = Horalo(Words(words));
+        EXPECT_EQ(result.status, 0) << result.err.toStdString();
+        return QJsonDocument::fromJson(result.out.toUtf8()).object();
+    };
+    EXPECT_EQ(json("title --json --now 2006-03-10T14:31:47-05:00"),
+              (QJsonObject{{u"text"_s, u"Mar 10, 2006"_s},
+                           {u"tooltip"_s, u"It is now: Mar 10, 2006, 2:31\u202fPM"_s},
+                           {u"class"_s, u"now"_s}}));
+    EXPECT_EQ(json("title --json --now 2006-03-10T14:31:47-05:00 --at 2006-03-20T14:31:47-05:00"),
+              (QJsonObject{{u"text"_s, u"Mar 20, 2006"_s},
+                           {u"tooltip"_s, u"It is now: Mar 10, 2006, 2:31\u202fPM\n"
+                                          u"Days To Mar 20, 2006, 2:31\u202fPM: 10 days"_s},
+                           {u"class"_s, u"picked"_s}}));
 }
 
 } // namespace

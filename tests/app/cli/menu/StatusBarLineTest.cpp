@@ -10,6 +10,8 @@
 
 #include <gtest/gtest.h>
 
+using namespace Qt::StringLiterals;
+
 namespace {
 
 QJsonObject Parsed(const QString &line)
@@ -17,52 +19,42 @@ QJsonObject Parsed(const QString &line)
     QJsonParseError error;
     const QJsonDocument document = QJsonDocument::fromJson(line.toUtf8(), &error);
     EXPECT_EQ(error.error, QJsonParseError::NoError) << line.toStdString();
-    EXPECT_TRUE(document.isObject());
+    EXPECT_FALSE(line.contains(u'\n')) << "one object, one line";
     return document.object();
 }
 
 TEST(StatusBarLine, PlainLineIsTheTitleOnOneLine)
 {
-    EXPECT_EQ(PlainStatusBarLine({QStringLiteral("Nov 23, 2026"), QStringLiteral("tip"), true}),
-              QStringLiteral("Nov 23, 2026"));
+    EXPECT_EQ(PlainStatusBarLine({u"Nov 23, 2026"_s, u"tip"_s, true}), u"Nov 23, 2026"_s);
     // A custom title can hold anything; a bar reads one line per title.
-    EXPECT_EQ(PlainStatusBarLine({QStringLiteral("a\nb\x1b[2J"), {}, false}),
-              QStringLiteral("a\uFFFDb\uFFFD[2J"));
+    EXPECT_EQ(PlainStatusBarLine({u"a\nb\x1b[2J"_s, {}, false}), u"a\uFFFDb\uFFFD[2J"_s);
 }
 
 TEST(StatusBarLine, JsonLineCarriesTextTooltipAndClass)
 {
-    const QJsonObject now =
-        Parsed(JsonStatusBarLine({QStringLiteral("09:41:07"),
-                                  QStringLiteral("It is now: Nov 23, 2026, 9:41\u202fAM"), false}));
-    EXPECT_EQ(now.value(QStringLiteral("text")).toString(), QStringLiteral("09:41:07"));
-    EXPECT_EQ(now.value(QStringLiteral("tooltip")).toString(),
-              QStringLiteral("It is now: Nov 23, 2026, 9:41\u202fAM"));
-    EXPECT_EQ(now.value(QStringLiteral("class")).toString(), QStringLiteral("now"));
-    EXPECT_EQ(now.size(), 3);
-
-    const QString picked = JsonStatusBarLine(
-        {QStringLiteral("Mar 20, 2026"),
-         QStringLiteral("It is now: Mar 10, 2026, 2:31\u202fPM\nDays To Mar 20, 2026: 10 days"),
-         true});
-    EXPECT_FALSE(picked.contains(QLatin1Char('\n'))) << "one object, one line";
-    const QJsonObject parsed = Parsed(picked);
-    EXPECT_EQ(parsed.value(QStringLiteral("class")).toString(), QStringLiteral("picked"));
-    EXPECT_EQ(parsed.value(QStringLiteral("tooltip")).toString().split(QLatin1Char('\n')).size(),
-              2);
+    EXPECT_EQ(Parsed(JsonStatusBarLine(
+                  {u"09:41:07"_s, u"It is now: Nov 23, 2026, 9:41\u202fAM"_s, false})),
+              (QJsonObject{{u"text"_s, u"09:41:07"_s},
+                           {u"tooltip"_s, u"It is now: Nov 23, 2026, 9:41\u202fAM"_s},
+                           {u"class"_s, u"now"_s}}));
+    const QString tooltip =
+        u"It is now: Mar 10, 2026, 2:31\u202fPM\nDays To Mar 20, 2026: 10 days"_s;
+    EXPECT_EQ(Parsed(JsonStatusBarLine({u"Mar 20, 2026"_s, tooltip, true})),
+              (QJsonObject{{u"text"_s, u"Mar 20, 2026"_s},
+                           {u"tooltip"_s, tooltip},
+                           {u"class"_s, u"picked"_s}}));
 }
 
 TEST(StatusBarLine, TextsSurviveJsonAndPangoMarkup)
 {
     // What a custom title may hold: quotes and backslashes (JSON), markup characters (Pango),
     // text beyond ASCII, and controls that are no text at all.
-    const QString title = QStringLiteral("\"%Y\" \\ <b>R&D</b> «Mär» \t\x01");
-    const QJsonObject parsed = Parsed(JsonStatusBarLine({title, QStringLiteral("a < b"), false}));
-    EXPECT_EQ(parsed.value(QStringLiteral("text")).toString(),
-              QStringLiteral("\"%Y\" \\ &lt;b&gt;R&amp;D&lt;/b&gt; «Mär» \uFFFD\uFFFD"));
-    EXPECT_EQ(parsed.value(QStringLiteral("tooltip")).toString(), QStringLiteral("a &lt; b"));
-
-    EXPECT_EQ(PangoEscaped(QStringLiteral("&amp;")), QStringLiteral("&amp;amp;"))
+    const QJsonObject parsed =
+        Parsed(JsonStatusBarLine({u"\"%Y\" \\ <b>R&D</b> «Mär» \t\x01"_s, u"a < b"_s, false}));
+    EXPECT_EQ(parsed.value(u"text"_s).toString(),
+              u"\"%Y\" \\ &lt;b&gt;R&amp;D&lt;/b&gt; «Mär» \uFFFD\uFFFD"_s);
+    EXPECT_EQ(parsed.value(u"tooltip"_s).toString(), u"a &lt; b"_s);
+    EXPECT_EQ(PangoEscaped(u"&amp;"_s), u"&amp;amp;"_s)
         << "an entity in a title is text, shown as typed";
     EXPECT_EQ(PangoEscaped(QString()), QString());
 }

@@ -1,9 +1,8 @@
 #include "app/cli/RenderCommand.h"
 
+#include "app/cli/CommandResult.h"
 #include "datetext/DateFormatCatalogue.h"
 #include "datetext/DateText.h"
-
-#include <gtest/gtest.h>
 
 #include <cstdlib>
 
@@ -11,12 +10,9 @@ using namespace Qt::StringLiterals;
 
 namespace {
 
-struct CommandResult
-{
-    int status = -1;
-    QString out;
-    QString err;
-};
+using Command = int (*)(const QStringList &, QTextStream &, QTextStream &);
+const Command render = RunRenderCommand;
+const Command since = RunSinceCommand;
 
 class DateCommandTest : public ::testing::Test
 {
@@ -27,105 +23,103 @@ protected:
         g_selectedDateTime = 0;
         gUserDefaultsDictionary.reset();
     }
-    void TearDown() override { unsetenv("LC_ALL"); }
-
-    static CommandResult run(int (*command)(const QStringList &, QTextStream &, QTextStream &),
-                             const QStringList &args)
+    void TearDown() override
     {
-        CommandResult result;
-        QTextStream out(&result.out);
-        QTextStream err(&result.err);
-        result.status = command(args, out, err);
-        out.flush();
-        err.flush();
-        return result;
-    }
-    static CommandResult render(const QStringList &args) { return run(RunRenderCommand, args); }
-    static CommandResult since(const QStringList &args) { return run(RunSinceCommand, args); }
-
-    static void expectBadInput(const CommandResult &result)
-    {
-        EXPECT_EQ(result.status, 2);
-        EXPECT_TRUE(result.out.isEmpty());
-        EXPECT_TRUE(result.err.startsWith(u"horalo: "_s)) << result.err.toStdString();
-        EXPECT_EQ(result.err.count(QLatin1Char('\n')), 1) << result.err.toStdString();
+        unsetenv("LC_ALL");
+        setenv("TZ", "America/New_York", 1);
     }
 };
 
-TEST_F(DateCommandTest, RendersACatalogueNameAtAPickedMoment)
+TEST_F(DateCommandTest, EachCommandPrintsItsTextForTheMomentsItIsGiven)
 {
-    const CommandResult result =
-        render({u"Numerical Date No Hyphens"_s, u"--at"_s, u"2006-03-10T14:31:47-05:00"_s});
-    EXPECT_EQ(result.status, 0);
-    EXPECT_EQ(result.out, u"20060310\n"_s);
-    EXPECT_TRUE(result.err.isEmpty());
-    EXPECT_EQ(render({u"Medium Date-Time"_s, u"--at"_s, u"@1142019107"_s}).out,
-              u"Mar 10, 2006, 2:31:47\u202FPM\n"_s);
-}
-
-TEST_F(DateCommandTest, RendersACustomFormatWithTheLaunchSnapshot)
-{
-    const CommandResult result =
-        render({u"--format"_s, u"%a %d %b, %Y %I:%M:%S %p (%z)"_s, u"--at"_s, u"@1142019107"_s});
-    EXPECT_EQ(result.status, 0);
-    EXPECT_EQ(result.out, u"Fri 10 Mar, 2006 02:31:47 PM (-0500)\n"_s);
+    const struct
+    {
+        Command command;
+        const char *words;
+        const char *out;
+    } cases[] = {
+        {render, R"("Numerical Date No Hyphens" --at 2006-03-10T14:31:47-05:00)", "20060310\n"},
+        {render, R"("Medium Date-Time" --at @1142019107)", "Mar 10, 2006, 2:31:47\u202FPM\n"},
+        {render, "--format \"%a %d %b, %Y %I:%M:%S %p (%z)\" --at @1142019107",
+         "Fri 10 Mar, 2006 02:31:47 PM (-0500)\n"},
+        {render, R"(--format %S.%F --at 2006-03-10T14:31:47.250-05:00)", "47.250\n"},
+        // --now fixes the clock, and --at the reference instant picks nothing.
+        {render, R"("Numerical Date Time" --now 2006-03-10T14:31:47-05:00)",
+         "2006-03-10 14:31:47\n"},
+        {render, R"("Numerical Date" --at 2001-01-01T00:00:00Z --now @1142019107)", "2006-03-10\n"},
+        // Title names render as the title does: "GMT" always shows the present.
+        {render, R"("Medium Date Time" --now @1142019107 --at @946702799)",
+         "Dec 31, 1999, 11:59:59\u202fPM\n"},
+        {render, R"(GMT --now @1142019107 --at @946702799)", "2006-03-10 14:31:47 -0500\n"},
+        {render, R"("GMT Date Time" --now @1142019107 --at @946702799)",
+         "1999-12-31 23:59:59 -0500\n"},
+        // The ends of the range, the last half second included.
+        {render, R"("Numerical Date Time" --at 1000000-12-31T23:59:59.5Z)",
+         "1000000-12-31 18:59:59\n"},
+        {render, R"("Numerical Date" --at -1000000-01-01T00:00:00Z)", "-1000001-12-31\n"},
+        {since, "--depth 2 --now @100000 @9939", "1 day, 1 hour\n"},
+        {since, "@9939 --now @100000", "1 day, 1 hour\n"},
+        {since, "--depth=7 @9939.5 --now @100000", "1 day, 1 hour, 1 min\n"},
+        {since, "--unit 3 @9939 --now @100000", "25 hours\n"},
+        {since, "--unit 4 @190061 --now @100000", "-1 day\n"},
+        {since, "--unit 3 @99999 --now @100000", "Less than a hour\n"},
+        {since, "--depth -1 1970-01-01T00:00:00Z --now @100000",
+         "1 day, 3 hours, 46 mins, 40 secs\n"},
+    };
+    for (const auto &c : cases) {
+        SCOPED_TRACE(c.words);
+        const CommandResult result = RunCommand(c.command, Words(c.words));
+        EXPECT_EQ(result.status, 0);
+        EXPECT_EQ(result.out, QString::fromUtf8(c.out));
+        EXPECT_TRUE(result.err.isEmpty()) << result.err.toStdString();
+    }
+    // Custom formats take their names from the launch snapshot, which the command leaves as it
+    // found it, with the picked moment.
     setenv("LC_ALL", "de_DE.UTF-8", 1);
-    EXPECT_EQ(render({u"--format=%A, %e. %B"_s, u"--at=@1142019107"_s}).out,
+    EXPECT_EQ(RunCommand(render, {u"--format=%A, %e. %B"_s, u"--at=@1142019107"_s}).out,
               u"Freitag, 10. März\n"_s);
-}
-
-TEST_F(DateCommandTest, NowFixesTheClockAndAtTheReferenceInstantPicksNothing)
-{
-    const QStringList now{u"--now"_s, u"2006-03-10T14:31:47-05:00"_s};
-    EXPECT_EQ(render(QStringList{u"Numerical Date Time"_s} + now).out, u"2006-03-10 14:31:47\n"_s);
-    EXPECT_EQ(
-        render(QStringList{u"Numerical Date"_s, u"--at"_s, u"2001-01-01T00:00:00Z"_s} + now).out,
-        u"2006-03-10\n"_s);
-    EXPECT_EQ(render(QStringList{u"--format"_s, u"%S.%F"_s, u"--at"_s,
-                                 u"2006-03-10T14:31:47.250-05:00"_s})
-                  .out,
-              u"47.250\n"_s);
-}
-
-TEST_F(DateCommandTest, TitleNamesRenderAsTheTitleDoes)
-{
-    const QStringList times{u"--now"_s, u"@1142019107"_s, u"--at"_s, u"@946702799"_s};
-    // The styled titles follow the picked moment; "GMT" always shows the present.
-    EXPECT_EQ(render(QStringList{u"Medium Date Time"_s} + times).out,
-              u"Dec 31, 1999, 11:59:59\u202FPM\n"_s);
-    EXPECT_EQ(render(QStringList{u"GMT"_s} + times).out, u"2006-03-10 14:31:47 -0500\n"_s);
-    EXPECT_EQ(render(QStringList{u"GMT Date Time"_s} + times).out,
-              u"1999-12-31 23:59:59 -0500\n"_s);
-}
-
-TEST_F(DateCommandTest, CommandsLeaveTheProcesssDateStateAsTheyFoundIt)
-{
-    render({u"--format"_s, u"%Y"_s, u"--at"_s, u"@1142019107"_s});
     EXPECT_EQ(g_selectedDateTime, 0.0);
     EXPECT_FALSE(gUserDefaultsDictionary.has_value());
 }
 
-TEST_F(DateCommandTest, RenderRejectsBadInputWithOneLineAndStatusTwo)
+TEST_F(DateCommandTest, BadInputIsOneLineWithStatusTwoAndShowsTheArgumentEscaped)
 {
-    expectBadInput(render({u"Medium Date-Time"_s.toLower()}));
-    expectBadInput(render({u"No Such Format"_s}));
-    expectBadInput(render({}));
-    expectBadInput(render({u"Long"_s, u"Date"_s}));
-    expectBadInput(render({u"Long Date"_s, u"--format"_s, u"%Y"_s}));
-    expectBadInput(render({u"--format"_s}));
-    expectBadInput(render({u"Long Date"_s, u"--at"_s, u"yesterday"_s}));
-    expectBadInput(render({u"Long Date"_s, u"--colour"_s, u"red"_s}));
-}
-
-TEST_F(DateCommandTest, ErrorsShowTheArgumentEscapedOnOneLine)
-{
-    const CommandResult result = render({u"Long Date"_s, u"--colour\n\u001b[31m"_s});
-    expectBadInput(result);
-    EXPECT_EQ(result.err, u"horalo: unknown option '--colour\\n\\x1b[31m'\n"_s);
-    const CommandResult time = render({u"Long Date"_s, u"--at"_s, u"\r@5\u009b"_s});
-    expectBadInput(time);
-    EXPECT_TRUE(time.err.startsWith(u"horalo: cannot read the time '\\r@5\\u009b'"_s))
-        << time.err.toStdString();
+    const struct
+    {
+        Command command;
+        QStringList words;
+        QString says;
+    } cases[] = {
+        {render, Words(R"("medium date-time")"), u"unknown format name"_s},
+        {render, Words(R"("No Such Format")"), u"unknown format name"_s},
+        {render, {}, u"render needs a format NAME"_s},
+        {render, Words("Long Date"), u"one format NAME"_s},
+        {render, Words(R"("Long Date" --format %Y)"), u"not both"_s},
+        {render, Words("--format"), u"missing value after '--format'"_s},
+        {render, Words(R"("Long Date" --at yesterday)"), u"cannot read the time 'yesterday'"_s},
+        {render,
+         {u"Long Date"_s, u"--colour\n\u001b[31m"_s},
+         u"horalo: unknown option '--colour\\n\\x1b[31m'\n"_s},
+        {render,
+         {u"Long Date"_s, u"--at"_s, u"\r@5\u009b"_s},
+         u"horalo: cannot read the time '\\r@5\\u009b'"_s},
+        {since, Words("--depth two @9939 --now @100000"), u"--depth needs an integer, not 'two'"_s},
+        {since, Words("--depth 2.5 @9939 --now @100000"), u"not '2.5'"_s},
+        {since, Words("--depth 99999999999 @9939 --now @100000"), u"not '99999999999'"_s},
+        {since, Words("--unit 0 @9939 --now @100000"), u"--unit needs an integer from 1"_s},
+        {since, Words("--unit 8 @9939 --now @100000"), u"not '8'"_s},
+        {since, Words("--unit 4 --depth 2 @9939 --now @100000"),
+         u"give --depth or --unit, not both"_s},
+        {since, Words("--now @100000"), u"since needs a TIME"_s},
+        {since, Words("@9939 @9940 --now @100000"), u"since takes one TIME"_s},
+        {since, Words("9939 --now @100000"), u"cannot read the time '9939'"_s},
+    };
+    for (const auto &c : cases) {
+        SCOPED_TRACE(c.words.join(u' ').toStdString());
+        const CommandResult result = RunCommand(c.command, c.words);
+        ExpectBadInput(result);
+        EXPECT_TRUE(result.err.contains(c.says)) << result.err.toStdString();
+    }
 }
 
 // The range TIME accepts is the range every text can be rendered for: at both ends, in the
@@ -135,24 +129,21 @@ TEST_F(DateCommandTest, EveryFormatRendersAtBothEndsOfTheTimeRange)
     for (const char *zone : {"Pacific/Kiritimati", "Etc/GMT+12"}) {
         setenv("TZ", zone, 1);
         for (const QString &at : {u"-1000000-01-01T00:00:00Z"_s, u"1000000-12-31T23:59:59Z"_s}) {
+            SCOPED_TRACE(testing::Message() << zone << ' ' << at.toStdString());
             for (const CatalogueFormat &format : DateFormatCatalogue()) {
                 const CommandResult result =
-                    render({format.menuName.toString(), u"--at"_s, at, u"--now"_s, at});
+                    RunCommand(render, {format.menuName.toString(), u"--at"_s, at, u"--now"_s, at});
                 EXPECT_EQ(result.status, 0)
-                    << zone << ' ' << at.toStdString() << ' '
                     << format.menuName.toString().toStdString() << ' ' << result.err.toStdString();
                 EXPECT_GT(result.out.size(), 4) << result.out.toStdString();
                 EXPECT_NE(result.out, kFallbackText + u'\n');
             }
-            EXPECT_EQ(render({u"--format"_s, u"%Y %j %H:%M:%S %z"_s, u"--at"_s, at}).status, 0);
-            EXPECT_EQ(render({u"GMT"_s, u"--now"_s, at}).status, 0);
+            EXPECT_EQ(
+                RunCommand(render, {u"--format"_s, u"%Y %j %H:%M:%S %z"_s, u"--at"_s, at}).status,
+                0);
+            EXPECT_EQ(RunCommand(render, {u"GMT"_s, u"--now"_s, at}).status, 0);
         }
     }
-    setenv("TZ", "America/New_York", 1);
-    EXPECT_EQ(render({u"Numerical Date Time"_s, u"--at"_s, u"1000000-12-31T23:59:59Z"_s}).out,
-              u"1000000-12-31 18:59:59\n"_s);
-    EXPECT_EQ(render({u"Numerical Date"_s, u"--at"_s, u"-1000000-01-01T00:00:00Z"_s}).out,
-              u"-1000001-12-31\n"_s);
 }
 
 TEST_F(DateCommandTest, TimesOutsideTheRangeAreRefusedWithTheRange)
@@ -161,46 +152,13 @@ TEST_F(DateCommandTest, TimesOutsideTheRangeAreRefusedWithTheRange)
          {u"@999999999999999"_s, u"+999999999-12-31T23:59:59Z"_s, u"1000001-01-01T00:00:00Z"_s,
           u"-1000000-01-01T00:00:00+00:01"_s, u"-1000001-12-31T23:59:59Z"_s}) {
         for (const QString &option : {u"--now"_s, u"--at"_s}) {
-            const CommandResult result = render({u"Long Date"_s, option, time});
-            expectBadInput(result);
+            const CommandResult result = RunCommand(render, {u"Long Date"_s, option, time});
+            ExpectBadInput(result);
             EXPECT_TRUE(result.err.contains(u"outside the range"_s)) << result.err.toStdString();
             EXPECT_TRUE(result.err.contains(u"1000000-12-31T23:59:59Z"_s));
         }
-        expectBadInput(since({time, u"--now"_s, u"@0"_s}));
+        ExpectBadInput(RunCommand(since, {time, u"--now"_s, u"@0"_s}));
     }
-    EXPECT_EQ(render({u"Long Date"_s, u"--at"_s, u"1000000-12-31T23:59:59.5Z"_s}).status, 0);
-}
-
-TEST_F(DateCommandTest, SincePrintsThePhrase)
-{
-    const CommandResult result =
-        since({u"--depth"_s, u"2"_s, u"--now"_s, u"@100000"_s, u"@9939"_s});
-    EXPECT_EQ(result.status, 0);
-    EXPECT_EQ(result.out, u"1 day, 1 hour\n"_s);
-    const QStringList now{u"--now"_s, u"@100000"_s};
-    EXPECT_EQ(since(QStringList{u"@9939"_s} + now).out, u"1 day, 1 hour\n"_s);
-    EXPECT_EQ(since(QStringList{u"--depth=7"_s, u"@9939.5"_s} + now).out,
-              u"1 day, 1 hour, 1 min\n"_s);
-    EXPECT_EQ(since(QStringList{u"--unit"_s, u"3"_s, u"@9939"_s} + now).out, u"25 hours\n"_s);
-    EXPECT_EQ(since(QStringList{u"--unit"_s, u"4"_s, u"@190061"_s} + now).out, u"-1 day\n"_s);
-    EXPECT_EQ(since(QStringList{u"--unit"_s, u"3"_s, u"@99999"_s} + now).out,
-              u"Less than a hour\n"_s);
-    EXPECT_EQ(since(QStringList{u"--depth"_s, u"-1"_s, u"1970-01-01T00:00:00Z"_s} + now).out,
-              u"1 day, 3 hours, 46 mins, 40 secs\n"_s);
-}
-
-TEST_F(DateCommandTest, SinceRejectsBadInputWithOneLineAndStatusTwo)
-{
-    const QStringList now{u"--now"_s, u"@100000"_s};
-    expectBadInput(since(QStringList{u"--depth"_s, u"two"_s, u"@9939"_s} + now));
-    expectBadInput(since(QStringList{u"--depth"_s, u"2.5"_s, u"@9939"_s} + now));
-    expectBadInput(since(QStringList{u"--depth"_s, u"99999999999"_s, u"@9939"_s} + now));
-    expectBadInput(since(QStringList{u"--unit"_s, u"0"_s, u"@9939"_s} + now));
-    expectBadInput(since(QStringList{u"--unit"_s, u"8"_s, u"@9939"_s} + now));
-    expectBadInput(since(QStringList{u"--unit"_s, u"4"_s, u"--depth"_s, u"2"_s, u"@9939"_s} + now));
-    expectBadInput(since(now));
-    expectBadInput(since(QStringList{u"@9939"_s, u"@9940"_s} + now));
-    expectBadInput(since(QStringList{u"9939"_s} + now));
 }
 
 } // namespace
