@@ -128,18 +128,24 @@ QDBusMessage CallHoralo(const QString &method, const QVariantList &arguments)
     return QDBusConnection::sessionBus().call(call, QDBus::BlockWithGui, 10000);
 }
 
-QByteArray ReadClipboard(const QString &display)
+QByteArray RunXTool(const QString &display, const QString &program, const QStringList &arguments)
 {
-    QProcess xclip;
+    QProcess tool;
     QProcessEnvironment env = QProcessEnvironment::systemEnvironment();
     env.insert(QStringLiteral("DISPLAY"), display);
-    xclip.setProcessEnvironment(env);
-    xclip.start(QStringLiteral("xclip"),
-                {QStringLiteral("-o"), QStringLiteral("-selection"), QStringLiteral("clipboard"),
-                 QStringLiteral("-target"), QStringLiteral("UTF8_STRING")});
-    // The clipboard's owner answers from its own event loop; ours need not run.
-    xclip.waitForFinished(5000);
-    return xclip.readAllStandardOutput();
+    tool.setProcessEnvironment(env);
+    tool.start(program, arguments);
+    // An X client answers from its own event loop; ours need not run.
+    tool.waitForFinished(5000);
+    return tool.readAllStandardOutput();
+}
+
+QByteArray ReadClipboard(const QString &display)
+{
+    return RunXTool(display, QStringLiteral("xclip"),
+                    {QStringLiteral("-o"), QStringLiteral("-selection"),
+                     QStringLiteral("clipboard"), QStringLiteral("-target"),
+                     QStringLiteral("UTF8_STRING")});
 }
 
 QString HoraloBinary()

@@ -75,6 +75,8 @@ bool WaitForHoraloOnBus(bool present = true, int timeoutMs = 15000);
 // A call of the application's interface on the session bus, blocking with the event loop
 // running.
 QDBusMessage CallHoralo(const QString &method, const QVariantList &arguments = {});
+// Runs an X client (xdotool, xclip) on the display to its end; what it printed.
+QByteArray RunXTool(const QString &display, const QString &program, const QStringList &arguments);
 // What another X client reads from the clipboard: the UTF-8 text target, exactly.
 QByteArray ReadClipboard(const QString &display);
 // The path of the application built with the tests.

@@ -14,6 +14,8 @@
 
 namespace {
 
+using namespace Qt::StringLiterals;
+
 // The same text for the date as of before and after a call, so a run across midnight passes.
 bool MatchesToday(const QByteArray &text, const std::function<QString(QDate)> &render, QDate before)
 {
@@ -22,28 +24,10 @@ bool MatchesToday(const QByteArray &text, const std::function<QString(QDate)> &r
 
 bool XWindowNamed(const QString &display, const QString &name)
 {
-    QProcess xdotool;
-    QProcessEnvironment env = QProcessEnvironment::systemEnvironment();
-    env.insert(QStringLiteral("DISPLAY"), display);
-    xdotool.setProcessEnvironment(env);
-    xdotool.start(QStringLiteral("xdotool"),
-                  {QStringLiteral("search"), QStringLiteral("--onlyvisible"),
-                   QStringLiteral("--name"), QLatin1Char('^') + name + QLatin1Char('$')});
-    xdotool.waitForFinished(5000);
-    return !xdotool.readAllStandardOutput().trimmed().isEmpty();
-}
-
-void XKeys(const QString &display, const QStringList &keys)
-{
-    QProcess xdotool;
-    QProcessEnvironment env = QProcessEnvironment::systemEnvironment();
-    env.insert(QStringLiteral("DISPLAY"), display);
-    xdotool.setProcessEnvironment(env);
-    for (const QString &key : keys) {
-        xdotool.start(QStringLiteral("xdotool"), {QStringLiteral("key"), key});
-        xdotool.waitForFinished(5000);
-        Settle(50);
-    }
+    return !RunXTool(display, u"xdotool"_s,
+                     {u"search"_s, u"--onlyvisible"_s, u"--name"_s, u'^' + name + u'$'})
+                .trimmed()
+                .isEmpty();
 }
 
 // Collects the application's title signals, both forms.
@@ -55,10 +39,9 @@ public:
     {
         QDBusConnection bus = QDBusConnection::sessionBus();
         bus.connect(HoraloBus::Service, HoraloBus::ObjectPath, HoraloBus::Interface,
-                    QStringLiteral("TitleChanged"), this, SLOT(titleChanged(QString)));
-        bus.connect(HoraloBus::Service, HoraloBus::ObjectPath,
-                    QStringLiteral("org.freedesktop.DBus.Properties"),
-                    QStringLiteral("PropertiesChanged"), this,
+                    u"TitleChanged"_s, this, SLOT(titleChanged(QString)));
+        bus.connect(HoraloBus::Service, HoraloBus::ObjectPath, u"org.freedesktop.DBus.Properties"_s,
+                    u"PropertiesChanged"_s, this,
                     SLOT(propertiesChanged(QString, QVariantMap, QStringList)));
     }
 
@@ -71,7 +54,7 @@ public Q_SLOTS:
                            const QStringList &)
     {
         if (interface == HoraloBus::Interface)
-            changedProperties.append(changed.value(QStringLiteral("Title")).toString());
+            changedProperties.append(changed.value(u"Title"_s).toString());
     }
 };
 
@@ -82,17 +65,14 @@ class StandInNotifications final : public QObject
     Q_CLASSINFO("D-Bus Interface", "org.freedesktop.Notifications")
 public:
     StandInNotifications()
-        : m_connection(QDBusConnection::connectToBus(QDBusConnection::SessionBus,
-                                                     QStringLiteral("notifications")))
+        : m_connection(
+              QDBusConnection::connectToBus(QDBusConnection::SessionBus, u"notifications"_s))
     {
-        m_connection.registerObject(QStringLiteral("/org/freedesktop/Notifications"), this,
+        m_connection.registerObject(u"/org/freedesktop/Notifications"_s, this,
                                     QDBusConnection::ExportAllSlots);
-        m_connection.registerService(QStringLiteral("org.freedesktop.Notifications"));
+        m_connection.registerService(u"org.freedesktop.Notifications"_s);
     }
-    ~StandInNotifications() override
-    {
-        QDBusConnection::disconnectFromBus(QStringLiteral("notifications"));
-    }
+    ~StandInNotifications() override { QDBusConnection::disconnectFromBus(u"notifications"_s); }
 
     QStringList bodies;
 
@@ -111,58 +91,50 @@ private:
 QString ErrorOf(const QDBusMessage &reply)
 {
     return reply.type() == QDBusMessage::ErrorMessage
-               ? reply.errorName() + QStringLiteral(": ") + reply.errorMessage()
+               ? reply.errorName() + u": "_s + reply.errorMessage()
                : QString();
 }
 
 using Interface = RunningHoralo;
 
-TEST_F(Interface, CopyPutsTheExactBytesOnTheClipboardAndReturnsThem)
+TEST_F(Interface, CopyPutsTheExactBytesOnTheClipboardAndRefusesNamesThatAreNoFormat)
 {
     const QDate before = QDate::currentDate();
-    QDBusMessage reply =
-        CallHoralo(QStringLiteral("Copy"), {QStringLiteral("Numerical Date No Hyphens")});
+    QDBusMessage reply = CallHoralo(u"Copy"_s, {u"Numerical Date No Hyphens"_s});
     ASSERT_EQ(reply.type(), QDBusMessage::ReplyMessage) << ErrorOf(reply).toStdString();
     const QByteArray returned = reply.arguments().value(0).toString().toUtf8();
     EXPECT_TRUE(MatchesToday(
-        returned, [](QDate day) { return day.toString(QStringLiteral("yyyyMMdd")); }, before))
+        returned, [](QDate day) { return day.toString(u"yyyyMMdd"_s); }, before))
         << returned.constData();
     EXPECT_EQ(ReadClipboard(display), returned);
 
     // Text that shells, markup and X's Latin-1 target would each mangle arrives as it is.
-    reply = CallHoralo(QStringLiteral("Copy"), {QStringLiteral("custom:%Y «%A» & <b>\t%%")});
+    reply = CallHoralo(u"Copy"_s, {u"custom:%Y «%A» & <b>\t%%"_s});
     ASSERT_EQ(reply.type(), QDBusMessage::ReplyMessage) << ErrorOf(reply).toStdString();
     const QByteArray custom = reply.arguments().value(0).toString().toUtf8();
     EXPECT_TRUE(MatchesToday(
         custom,
         [](QDate day) {
-            return QStringLiteral("%1 «%2» & <b>\t%")
-                .arg(day.year())
+            return u"%1 «%2» & <b>\t%"_s.arg(day.year())
                 .arg(QLocale(QLocale::English, QLocale::UnitedStates).dayName(day.dayOfWeek()));
         },
         before))
         << custom.constData();
     EXPECT_EQ(ReadClipboard(display), custom);
-}
 
-TEST_F(Interface, NamesThatAreNoFormatAreErrorsAndCopyNothing)
-{
-    ASSERT_EQ(CallHoralo(QStringLiteral("Copy"), {QStringLiteral("custom:kept")}).type(),
-              QDBusMessage::ReplyMessage);
     for (const char *name : {"Numerical date", "Medium Date Time", "", "custom"}) {
-        const QDBusMessage reply = CallHoralo(QStringLiteral("Copy"), {QString::fromUtf8(name)});
+        reply = CallHoralo(u"Copy"_s, {QString::fromUtf8(name)});
         EXPECT_EQ(reply.type(), QDBusMessage::ErrorMessage) << name;
         EXPECT_EQ(reply.errorName(), HoraloBus::UnknownFormatError) << name;
     }
-    EXPECT_EQ(ReadClipboard(display), QByteArray("kept"));
+    EXPECT_EQ(ReadClipboard(display), custom);
 }
 
 class TitleFollowers : public RunningHoralo
 {
     void prepare() override
     {
-        defaultsWrite({QStringLiteral("menuTitleFormatter"), QStringLiteral("-string"),
-                       QStringLiteral("%H:%M:%S")});
+        defaultsWrite({u"menuTitleFormatter"_s, u"-string"_s, u"%H:%M:%S"_s});
     }
 };
 
@@ -171,7 +143,7 @@ TEST_F(TitleFollowers, TitleChangedArrivesOncePerChangeWithPropertiesChanged)
     TitleSignals received;
     ASSERT_TRUE(WaitFor([&] { return received.titles.size() >= 4; }, 10000));
     Settle(200);
-    const QRegularExpression clock(QStringLiteral("^\\d\\d:\\d\\d:\\d\\d$"));
+    const QRegularExpression clock(u"^\\d\\d:\\d\\d:\\d\\d$"_s);
     for (qsizetype i = 0; i < received.titles.size(); ++i) {
         EXPECT_TRUE(clock.match(received.titles.at(i)).hasMatch())
             << received.titles.at(i).toStdString();
@@ -184,9 +156,8 @@ TEST_F(TitleFollowers, TitleChangedArrivesOncePerChangeWithPropertiesChanged)
 
     const QDBusMessage reply = QDBusConnection::sessionBus().call(
         QDBusMessage::createMethodCall(HoraloBus::Service, HoraloBus::ObjectPath,
-                                       QStringLiteral("org.freedesktop.DBus.Properties"),
-                                       QStringLiteral("Get"))
-        << HoraloBus::Interface << QStringLiteral("Title"));
+                                       u"org.freedesktop.DBus.Properties"_s, u"Get"_s)
+        << HoraloBus::Interface << u"Title"_s);
     const QString title = reply.arguments().value(0).value<QDBusVariant>().variant().toString();
     Settle(50);
     EXPECT_TRUE(received.titles.mid(received.titles.size() - 2).contains(title))
@@ -195,33 +166,30 @@ TEST_F(TitleFollowers, TitleChangedArrivesOncePerChangeWithPropertiesChanged)
 
 using EntryMethods = RunningHoralo;
 
-TEST_F(EntryMethods, ShowMenuOpensTheMenuAtThePointerAndAChoiceCopies)
+TEST_F(EntryMethods, DoWhatTheirEntriesDoAndQuitEndsAfterAnswering)
 {
-    ASSERT_EQ(CallHoralo(QStringLiteral("Copy"), {QStringLiteral("custom:kept")}).type(),
-              QDBusMessage::ReplyMessage);
+    // The menu opens at the pointer, and a choice in it copies.
+    ASSERT_EQ(CallHoralo(u"Copy"_s, {u"custom:kept"_s}).type(), QDBusMessage::ReplyMessage);
     const QDate before = QDate::currentDate();
-    const QDBusMessage reply = CallHoralo(QStringLiteral("ShowMenu"), {-1, -1});
+    QDBusMessage reply = CallHoralo(u"ShowMenu"_s, {-1, -1});
     ASSERT_EQ(reply.type(), QDBusMessage::ReplyMessage) << ErrorOf(reply).toStdString();
     Settle(500);
     // Chooser, then the GMT and numerical group: the fifth entry that can be chosen.
-    XKeys(display, {QStringLiteral("Down"), QStringLiteral("Down"), QStringLiteral("Down"),
-                    QStringLiteral("Down"), QStringLiteral("Down"), QStringLiteral("Return")});
+    for (const QString &key :
+         {u"Down"_s, u"Down"_s, u"Down"_s, u"Down"_s, u"Down"_s, u"Return"_s}) {
+        RunXTool(display, u"xdotool"_s, {u"key"_s, key});
+        Settle(50);
+    }
     Settle(300);
     EXPECT_TRUE(MatchesToday(
-        ReadClipboard(display), [](QDate day) { return day.toString(QStringLiteral("yyyyMMdd")); },
-        before));
-}
+        ReadClipboard(display), [](QDate day) { return day.toString(u"yyyyMMdd"_s); }, before));
 
-TEST_F(EntryMethods, WindowsOpenAndQuitEndsAfterAnswering)
-{
-    EXPECT_EQ(CallHoralo(QStringLiteral("ShowChooser")).type(), QDBusMessage::ReplyMessage);
-    EXPECT_TRUE(WaitFor(
-        [this] { return XWindowNamed(display, QStringLiteral("Date-Time Chooser")); }, 5000));
-    EXPECT_EQ(CallHoralo(QStringLiteral("ShowPreferences")).type(), QDBusMessage::ReplyMessage);
-    EXPECT_TRUE(WaitFor(
-        [this] { return XWindowNamed(display, QStringLiteral("Horalo Preferences")); }, 5000));
+    EXPECT_EQ(CallHoralo(u"ShowChooser"_s).type(), QDBusMessage::ReplyMessage);
+    EXPECT_TRUE(WaitFor([this] { return XWindowNamed(display, u"Date-Time Chooser"_s); }, 5000));
+    EXPECT_EQ(CallHoralo(u"ShowPreferences"_s).type(), QDBusMessage::ReplyMessage);
+    EXPECT_TRUE(WaitFor([this] { return XWindowNamed(display, u"Horalo Preferences"_s); }, 5000));
 
-    const QDBusMessage reply = CallHoralo(QStringLiteral("Quit"));
+    reply = CallHoralo(u"Quit"_s);
     EXPECT_EQ(reply.type(), QDBusMessage::ReplyMessage) << ErrorOf(reply).toStdString();
     ASSERT_TRUE(horalo.waitForExit());
     EXPECT_EQ(horalo.exitCode(), 0);
@@ -245,10 +213,9 @@ TEST_F(OneInstance, ASecondStartOpensTheFirstsPreferencesLeavesOneItemAndNoSetti
     EXPECT_EQ(again.exitCode(), 0);
     EXPECT_EQ(again.readStdout(),
               QByteArray("Horalo is already running; its Preferences window is open.\n"));
-    EXPECT_TRUE(WaitFor(
-        [this] { return XWindowNamed(display, QStringLiteral("Horalo Preferences")); }, 5000));
+    EXPECT_TRUE(WaitFor([this] { return XWindowNamed(display, u"Horalo Preferences"_s); }, 5000));
     EXPECT_EQ(QDir(QFileInfo(second.settingsFile()).path()).entryList(QDir::Files),
-              QStringList{QStringLiteral("org.horalo.Horalo.plist")});
+              QStringList{u"org.horalo.Horalo.plist"_s});
     ASSERT_TRUE(settings.open(QIODevice::ReadOnly));
     EXPECT_EQ(settings.readAll(), QByteArray("not a property list"));
 
@@ -262,8 +229,7 @@ TEST(OneInstanceWithoutBus, ALockFileKeepsTheSecondOutUntilTheFirstIsGone)
     TestUser user;
     const auto noBus = [&user] {
         auto process = std::make_unique<HoraloProcess>(user, QString());
-        process->setEnvironmentValue(QStringLiteral("DBUS_SESSION_BUS_ADDRESS"),
-                                     QStringLiteral("disabled:"));
+        process->setEnvironmentValue(u"DBUS_SESSION_BUS_ADDRESS"_s, u"disabled:"_s);
         return process;
     };
     auto first = noBus();
@@ -295,7 +261,7 @@ TEST(NoStatusArea, SaysSoOnceThenShowsTheItemWhenAPanelAppears)
     horalo.start();
     ASSERT_TRUE(WaitForHoraloOnBus());
     ASSERT_TRUE(WaitFor([&] { return !notifications.bodies.isEmpty(); }, 15000));
-    EXPECT_TRUE(notifications.bodies.first().contains(QStringLiteral("horalo show-menu")));
+    EXPECT_TRUE(notifications.bodies.first().contains(u"horalo show-menu"_s));
 
     StandInWatcher watcher;
     ASSERT_TRUE(WaitFor([&] { return watcher.registeredItems().size() == 1; }, 10000));

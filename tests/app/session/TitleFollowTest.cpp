@@ -12,8 +12,10 @@
 
 namespace {
 
-const QString kClock = QStringLiteral("%H:%M:%S");
-const QString kMarkedClock = QStringLiteral("X%H:%M:%S");
+using namespace Qt::StringLiterals;
+
+const QString kClock = u"%H:%M:%S"_s;
+const QString kMarkedClock = u"X%H:%M:%S"_s;
 
 // Reads lines of a follower; each is checked to be a clock, with or without the mark.
 class Follower
@@ -21,8 +23,7 @@ class Follower
 public:
     Follower(const TestUser &user, const QStringList &arguments) : m_process(user, QString())
     {
-        m_process.start(QStringList{QStringLiteral("title"), QStringLiteral("--follow")} +
-                        arguments);
+        m_process.start(QStringList{u"title"_s, u"--follow"_s} + arguments);
     }
 
     QString line()
@@ -42,7 +43,7 @@ private:
 QTime ClockOf(const QString &line)
 {
     const QString clock = line.startsWith(QLatin1Char('X')) ? line.mid(1) : line;
-    const QTime time = QTime::fromString(clock, QStringLiteral("HH:mm:ss"));
+    const QTime time = QTime::fromString(clock, u"HH:mm:ss"_s);
     EXPECT_TRUE(time.isValid()) << line.toStdString();
     return time;
 }
@@ -54,8 +55,7 @@ void ExpectConsecutiveSecondsThatFollowAWrite(Follower &follower, const TestUser
     QStringList lines;
     for (int i = 0; i < 3; ++i)
         lines.append(follower.line());
-    DefaultsWrite(user,
-                  {QStringLiteral("menuTitleFormatter"), QStringLiteral("-string"), kMarkedClock});
+    DefaultsWrite(user, {u"menuTitleFormatter"_s, u"-string"_s, kMarkedClock});
     qsizetype firstAfterWrite = lines.size();
     for (int i = 0; i < 3; ++i)
         lines.append(follower.line());
@@ -90,31 +90,26 @@ QJsonObject JsonLine(const QString &line)
     return document.object();
 }
 
-TEST(TitleFollowWithoutHoralo, RendersEachSecondAndFollowsTheSettings)
+TEST(TitleFollowWithoutHoralo, RendersEachSecondFollowsTheSettingsAndWritesJsonThatParses)
 {
     ASSERT_FALSE(HoraloIsOnBus());
     TestUser user;
-    DefaultsWrite(user, {QStringLiteral("menuTitleFormatter"), QStringLiteral("-string"), kClock});
+    DefaultsWrite(user, {u"menuTitleFormatter"_s, u"-string"_s, kClock});
     Follower follower(user, {});
     ExpectConsecutiveSecondsThatFollowAWrite(follower, user);
     ExpectEndsWhenInputCloses(follower);
-}
 
-TEST(TitleFollowWithoutHoralo, JsonLinesParse)
-{
-    TestUser user;
-    DefaultsWrite(user, {QStringLiteral("menuTitleFormatter"), QStringLiteral("-string"),
-                         QStringLiteral("<%S> & co")});
-    Follower follower(user, {QStringLiteral("--json")});
+    DefaultsWrite(user, {u"menuTitleFormatter"_s, u"-string"_s, u"<%S> & co"_s});
+    Follower json(user, {u"--json"_s});
     for (int i = 0; i < 2; ++i) {
-        const QJsonObject line = JsonLine(follower.line());
-        EXPECT_TRUE(line.value(QStringLiteral("text")).toString().startsWith(u"&lt;"))
+        const QJsonObject line = JsonLine(json.line());
+        EXPECT_TRUE(line.value(u"text"_s).toString().startsWith(u"&lt;"))
             << "markup in a title is text";
-        EXPECT_TRUE(line.value(QStringLiteral("text")).toString().endsWith(u"&gt; &amp; co"));
-        EXPECT_TRUE(line.value(QStringLiteral("tooltip")).toString().startsWith(u"It is now: "));
-        EXPECT_EQ(line.value(QStringLiteral("class")).toString(), QStringLiteral("now"));
+        EXPECT_TRUE(line.value(u"text"_s).toString().endsWith(u"&gt; &amp; co"));
+        EXPECT_TRUE(line.value(u"tooltip"_s).toString().startsWith(u"It is now: "));
+        EXPECT_EQ(line.value(u"class"_s).toString(), u"now"_s);
     }
-    ExpectEndsWhenInputCloses(follower);
+    ExpectEndsWhenInputCloses(json);
 }
 
 // A bar that goes away may leave the follower's input open; with a title that changes once a
@@ -135,53 +130,42 @@ TEST(TitleFollowWithoutHoralo, EndsWhenNothingReadsItsOutput)
 
 class TitleFollowWithHoralo : public RunningHoralo
 {
-    void prepare() override
-    {
-        defaultsWrite({QStringLiteral("menuTitleFormatter"), QStringLiteral("-string"), kClock});
-    }
+    void prepare() override { defaultsWrite({u"menuTitleFormatter"_s, u"-string"_s, kClock}); }
 };
 
-TEST_F(TitleFollowWithHoralo, FollowsTheRunningTitleAndItsSettings)
+TEST_F(TitleFollowWithHoralo, FollowsTheRunningTitleAndItsSettingsThenGoesOnAloneWhenHoraloQuits)
 {
     Follower follower(user, {});
     ExpectConsecutiveSecondsThatFollowAWrite(follower, user);
-    ExpectEndsWhenInputCloses(follower);
-}
-
-TEST_F(TitleFollowWithHoralo, JsonShowsAMomentPickedInTheRunningChooser)
-{
-    Follower follower(user, {QStringLiteral("--json")});
-    QJsonObject line = JsonLine(follower.line());
-    EXPECT_EQ(line.value(QStringLiteral("class")).toString(), QStringLiteral("now"));
-    EXPECT_FALSE(line.value(QStringLiteral("tooltip")).toString().contains(u"Days To"));
-
-    // The chooser opens at the moment it last held; from then on it is the picked moment.
-    ASSERT_EQ(CallHoralo(QStringLiteral("ShowChooser")).type(), QDBusMessage::ReplyMessage);
-    bool picked = false;
-    for (int i = 0; i < 4 && !picked; ++i) {
-        line = JsonLine(follower.line());
-        picked = line.value(QStringLiteral("class")).toString() == QStringLiteral("picked");
-    }
-    ASSERT_TRUE(picked);
-    const QStringList tooltip =
-        line.value(QStringLiteral("tooltip")).toString().split(QLatin1Char('\n'));
-    ASSERT_EQ(tooltip.size(), 2);
-    EXPECT_TRUE(tooltip.at(0).startsWith(u"It is now: "));
-    EXPECT_TRUE(tooltip.at(1).startsWith(u"Days To ")) << tooltip.at(1).toStdString();
-    ExpectEndsWhenInputCloses(follower);
-}
-
-TEST_F(TitleFollowWithHoralo, ContinuesOnItsOwnWhenHoraloQuits)
-{
-    Follower follower(user, {});
-    follower.line();
-    ASSERT_EQ(CallHoralo(QStringLiteral("Quit")).type(), QDBusMessage::ReplyMessage);
+    ASSERT_EQ(CallHoralo(u"Quit"_s).type(), QDBusMessage::ReplyMessage);
     ASSERT_TRUE(horalo.waitForExit());
     QStringList lines;
     for (int i = 0; i < 3; ++i)
         lines.append(follower.line());
     for (qsizetype i = 1; i < lines.size(); ++i)
         EXPECT_EQ(ClockOf(lines.at(i - 1)).addSecs(1), ClockOf(lines.at(i)));
+    ExpectEndsWhenInputCloses(follower);
+}
+
+TEST_F(TitleFollowWithHoralo, JsonShowsAMomentPickedInTheRunningChooser)
+{
+    Follower follower(user, {u"--json"_s});
+    QJsonObject line = JsonLine(follower.line());
+    EXPECT_EQ(line.value(u"class"_s).toString(), u"now"_s);
+    EXPECT_FALSE(line.value(u"tooltip"_s).toString().contains(u"Days To"));
+
+    // The chooser opens at the moment it last held; from then on it is the picked moment.
+    ASSERT_EQ(CallHoralo(u"ShowChooser"_s).type(), QDBusMessage::ReplyMessage);
+    bool picked = false;
+    for (int i = 0; i < 4 && !picked; ++i) {
+        line = JsonLine(follower.line());
+        picked = line.value(u"class"_s).toString() == u"picked"_s;
+    }
+    ASSERT_TRUE(picked);
+    const QStringList tooltip = line.value(u"tooltip"_s).toString().split(u'\n');
+    ASSERT_EQ(tooltip.size(), 2);
+    EXPECT_TRUE(tooltip.at(0).startsWith(u"It is now: "));
+    EXPECT_TRUE(tooltip.at(1).startsWith(u"Days To ")) << tooltip.at(1).toStdString();
     ExpectEndsWhenInputCloses(follower);
 }
 

@@ -30,30 +30,15 @@ TEST(StatusBarLine, PlainLineIsTheTitleOnOneLine)
     EXPECT_EQ(PlainStatusBarLine({u"a\nb\x1b[2J"_s, {}, false}), u"a\uFFFDb\uFFFD[2J"_s);
 }
 
-TEST(StatusBarLine, JsonLineCarriesTextTooltipAndClass)
-{
-    EXPECT_EQ(Parsed(JsonStatusBarLine(
-                  {u"09:41:07"_s, u"It is now: Nov 23, 2026, 9:41\u202fAM"_s, false})),
-              (QJsonObject{{u"text"_s, u"09:41:07"_s},
-                           {u"tooltip"_s, u"It is now: Nov 23, 2026, 9:41\u202fAM"_s},
-                           {u"class"_s, u"now"_s}}));
-    const QString tooltip =
-        u"It is now: Mar 10, 2026, 2:31\u202fPM\nDays To Mar 20, 2026: 10 days"_s;
-    EXPECT_EQ(Parsed(JsonStatusBarLine({u"Mar 20, 2026"_s, tooltip, true})),
-              (QJsonObject{{u"text"_s, u"Mar 20, 2026"_s},
-                           {u"tooltip"_s, tooltip},
-                           {u"class"_s, u"picked"_s}}));
-}
-
 TEST(StatusBarLine, TextsSurviveJsonAndPangoMarkup)
 {
     // What a custom title may hold: quotes and backslashes (JSON), markup characters (Pango),
     // text beyond ASCII, and controls that are no text at all.
     const QJsonObject parsed =
-        Parsed(JsonStatusBarLine({u"\"%Y\" \\ <b>R&D</b> «Mär» \t\x01"_s, u"a < b"_s, false}));
+        Parsed(JsonStatusBarLine({u"\"%Y\" \\ <b>R&D</b> «Mär» \t\x01"_s, u"a < b\nc"_s, false}));
     EXPECT_EQ(parsed.value(u"text"_s).toString(),
               u"\"%Y\" \\ &lt;b&gt;R&amp;D&lt;/b&gt; «Mär» \uFFFD\uFFFD"_s);
-    EXPECT_EQ(parsed.value(u"tooltip"_s).toString(), u"a &lt; b"_s);
+    EXPECT_EQ(parsed.value(u"tooltip"_s).toString(), u"a &lt; b\nc"_s);
     EXPECT_EQ(PangoEscaped(u"&amp;"_s), u"&amp;amp;"_s)
         << "an entity in a title is text, shown as typed";
     EXPECT_EQ(PangoEscaped(QString()), QString());

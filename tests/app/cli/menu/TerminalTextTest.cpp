@@ -8,26 +8,13 @@ using namespace Qt::StringLiterals;
 
 namespace {
 
-TEST(TerminalTextTest, MessagesSpellOutEveryControlAndKeepTheRest)
+TEST(TerminalTextTest, MessagesSpellOutEveryControlAndShownTextLosesOnlyItsControls)
 {
     EXPECT_EQ(EscapedForMessage(u"a\nb\rc\td"_s), u"a\\nb\\rc\\td"_s);
     EXPECT_EQ(EscapedForMessage(QString(u"\0\u0001\u001f\u007f"_s)), u"\\x00\\x01\\x1f\\x7f"_s);
     EXPECT_EQ(EscapedForMessage(u"\u0080\u009b\u00a0"_s), u"\\u0080\\u009b\u00a0"_s);
     EXPECT_EQ(EscapedForMessage(u"Mär \\n 日本 \U0001F600"_s), u"Mär \\n 日本 \U0001F600"_s)
         << "printable text and backslashes stay as they are";
-}
-
-TEST(TerminalTextTest, OneErrorIsOneLineWithOnePrefix)
-{
-    QString printed;
-    QTextStream err(&printed);
-    PrintCommandLineError(err, u"unknown option '--x\n\u001b[2J'"_s);
-    err.flush();
-    EXPECT_EQ(printed, u"horalo: unknown option '--x\\n\\x1b[2J'\n"_s);
-}
-
-TEST(TerminalTextTest, ShownTextLosesOnlyItsControls)
-{
     EXPECT_EQ(WithoutControlCharacters(u"a\tb\u009bc\u00a0d"_s), u"a\uFFFDb\uFFFDc\u00a0d"_s);
     EXPECT_EQ(WithoutControlCharacters(QString()), QString());
 }
