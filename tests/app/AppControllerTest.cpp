@@ -1,22 +1,24 @@
 #include "support/ControllerFixture.h"
 
+using namespace Qt::StringLiterals;
+
 using StartUp = ControllerFixture;
 
 TEST_F(StartUp, EmptyStoreBuildsTheDefaultsAndTakesTheSnapshotLast)
 {
     // The first setup runs inside awakeFromNib, before the launch snapshot exists.
-    set(SettingsKey::CustomDates, QVariantList{QStringLiteral("%B")});
+    set(SettingsKey::CustomDates, QVariantList{u"%B"_s});
     platform.userDefaults.setRegistrationProvider([] {
         QVariantMap names;
         QVariantList months;
         for (int m = 1; m <= 12; ++m)
-            months.append(QStringLiteral("Monat%1").arg(m));
-        names.insert(QStringLiteral("NSMonthNameArray"), months);
+            months.append(u"Monat%1"_s.arg(m));
+        names.insert(u"NSMonthNameArray"_s, months);
         return names;
     });
     controller.awakeFromNib();
     EXPECT_FALSE(gUserDefaultsDictionary.has_value());
-    EXPECT_EQ(titleOf(MenuAction::CustomDateFormatter), QStringLiteral("March"));
+    EXPECT_EQ(titleOf(MenuAction::CustomDateFormatter), u"March"_s);
     EXPECT_EQ(controller.setupCount(), 1);
     ASSERT_NE(platform.statusItem(), nullptr);
     EXPECT_EQ(item().menu(), controller.statusMenu().menu());
@@ -25,10 +27,10 @@ TEST_F(StartUp, EmptyStoreBuildsTheDefaultsAndTakesTheSnapshotLast)
     ASSERT_TRUE(gUserDefaultsDictionary.has_value());
     EXPECT_TRUE(gUserDefaultsDictionary->contains(SettingsKey::CustomDates));
     item().openMenu();
-    EXPECT_EQ(titleOf(MenuAction::CustomDateFormatter), QStringLiteral("Monat3"));
+    EXPECT_EQ(titleOf(MenuAction::CustomDateFormatter), u"Monat3"_s);
 
     // The snapshot is never refreshed.
-    set(SettingsKey::MenuTitleFormatter, QStringLiteral("%Y"));
+    set(SettingsKey::MenuTitleFormatter, u"%Y"_s);
     item().openMenu();
     EXPECT_FALSE(gUserDefaultsDictionary->contains(SettingsKey::MenuTitleFormatter));
 }
@@ -54,11 +56,11 @@ TEST_F(RebuildTriggers, BroadcastFromOurIdentifierRebuildsAndOthersDoNot)
 {
     launch();
     const int afterLaunch = controller.setupCount();
-    set(SettingsKey::CustomDates, QVariantList{QStringLiteral("%Y")});
+    set(SettingsKey::CustomDates, QVariantList{u"%Y"_s});
 
     platform.distributedCenter.postNotification(PreferencesChangedNotification,
-                                                QStringLiteral("org.example.Other"));
-    platform.distributedCenter.postNotification(QStringLiteral("Something Else"), AppIdentifier);
+                                                u"org.example.Other"_s);
+    platform.distributedCenter.postNotification(u"Something Else"_s, AppIdentifier);
     platform.processEvents();
     EXPECT_EQ(controller.setupCount(), afterLaunch);
     EXPECT_TRUE(controller.customDates().isEmpty());
@@ -67,7 +69,7 @@ TEST_F(RebuildTriggers, BroadcastFromOurIdentifierRebuildsAndOthersDoNot)
     EXPECT_EQ(controller.setupCount(), afterLaunch) << "delivered by the event loop, not in post";
     platform.processEvents();
     EXPECT_EQ(controller.setupCount(), afterLaunch + 1);
-    EXPECT_EQ(controller.customDates(), QStringList{QStringLiteral("%Y")});
+    EXPECT_EQ(controller.customDates(), QStringList{u"%Y"_s});
 }
 
 TEST_F(RebuildTriggers, AnotherProcessOnTheSameBusTriggersARebuild)

@@ -26,6 +26,8 @@ extern "C" std::size_t __sanitizer_get_current_allocated_bytes();
 
 namespace {
 
+using namespace Qt::StringLiterals;
+
 // The bytes the program holds on the heap. Under AddressSanitizer its own allocator serves
 // every allocation and glibc's counters stand still, so the sanitizer is asked instead.
 std::size_t HeapInUse()
@@ -50,10 +52,9 @@ protected:
     void SetUp() override
     {
         ControllerFixture::SetUp();
-        set(SettingsKey::CustomDates,
-            QStringList{QStringLiteral("%A %e %B %Y, %H:%M:%S %Z"), QStringLiteral("%c"),
-                        QStringLiteral("%j/%y %I:%M%p %z %%"), QStringLiteral("%q unknown")});
-        set(SettingsKey::LastTitleDisplayName, QStringLiteral("Medium Time"));
+        set(SettingsKey::CustomDates, QStringList{u"%A %e %B %Y, %H:%M:%S %Z"_s, u"%c"_s,
+                                                  u"%j/%y %I:%M%p %z %%"_s, u"%q unknown"_s});
+        set(SettingsKey::LastTitleDisplayName, u"Medium Time"_s);
         launch();
     }
 
@@ -65,7 +66,7 @@ protected:
         if (opening % 50 == 0)
             chooseFirst(MenuAction::MediumDateTime);
         if (opening % 500 == 0) {
-            ASSERT_TRUE(item().chooseItemTitled(QStringLiteral("Date-Time Chooser")));
+            ASSERT_TRUE(item().chooseItemTitled(u"Date-Time Chooser"_s));
             platform.datePicker.userChangesDateValue(platform.clock.currentAbsoluteTime() -
                                                      (opening % 7) * kDay);
             item().openMenu();
@@ -120,7 +121,7 @@ TEST_F(HeapStaysFlat, OverTenThousandOpeningsAndADayOfTicks)
     const std::ptrdiff_t worst = *std::max_element(growth.cbegin(), growth.cend());
     EXPECT_LT(worst, static_cast<std::ptrdiff_t>(kSlack))
         << "heap growth over the warm-up after each tenth of the day, in bytes: "
-        << steps.join(QStringLiteral(", ")).toStdString();
+        << steps.join(u", "_s).toStdString();
 }
 
 } // namespace

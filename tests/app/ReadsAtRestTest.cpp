@@ -6,12 +6,9 @@
 #include "app/cli/DescribeMenu.h"
 #include "datetext/DateText.h"
 #include "datetext/LocaleDefaults.h"
+#include "platform/TestSupport.h"
 #include "platform/memory/InMemoryPlatform.h"
 #include "platform/store/PlistPreferencesStore.h"
-#include "support/QtPrinters.h"
-
-#include <QDir>
-#include <QTemporaryDir>
 
 #include <gtest/gtest.h>
 
@@ -21,6 +18,7 @@
 
 namespace {
 
+using namespace Qt::StringLiterals;
 using namespace std::chrono_literals;
 
 // 2006-03-10 14:31:47 -0500.
@@ -37,8 +35,8 @@ protected:
         g_selectedDateTime = 0;
         QVariantList custom;
         for (int i = 0; i < 50; ++i)
-            custom.append(QStringLiteral("%Y #") + QString::number(i));
-        write(QStringLiteral("Custom Dates"), custom);
+            custom.append(u"%Y #"_s + QString::number(i));
+        write(u"Custom Dates"_s, custom);
         std::this_thread::sleep_for(kGranularity + 20ms);
 
         m_store.setTimestampGranularityForTesting(kGranularity);
@@ -76,10 +74,8 @@ protected:
         return titles;
     }
 
-    QString m_scratch = qEnvironmentVariable("HORALO_TEST_TMP", QDir::tempPath());
-    bool m_made = QDir().mkpath(m_scratch);
-    QTemporaryDir m_dir{m_scratch + QStringLiteral("/case-XXXXXX")};
-    QString m_path = m_dir.path() + QStringLiteral("/org.horalo.Horalo.plist");
+    QTemporaryDir m_dir = ScratchDirectory();
+    QString m_path = m_dir.path() + u"/org.horalo.Horalo.plist"_s;
     PlistPreferencesStore m_store{m_path};
     InMemoryPlatform m_platform{kFriday, &m_store};
     Platform m_services = m_platform.platform();
@@ -87,7 +83,7 @@ protected:
     int m_dictionaryBuilds = 0;
 };
 
-TEST_F(ReadsAtRest, TicksAndOpeningsOfAnUnchangedFileParseNothingAndBuildNoDictionary)
+TEST_F(ReadsAtRest, AnUnchangedFileIsNeitherParsedNorItsDictionaryBuiltAndAChangeShowsAtOnce)
 {
     tickAndOpen(1);
     const int reads = m_store.fileReadCount();
@@ -97,19 +93,15 @@ TEST_F(ReadsAtRest, TicksAndOpeningsOfAnUnchangedFileParseNothingAndBuildNoDicti
     EXPECT_EQ(m_dictionaryBuilds, builds);
     // Still the file's values.
     EXPECT_TRUE(menuTitles().contains(u"2006 #49")) << menuTitles().join(u'\n').toStdString();
-}
 
-TEST_F(ReadsAtRest, AChangedFileShowsAtTheNextTickAndOpening)
-{
-    tickAndOpen(1);
-    const int reads = m_store.fileReadCount();
-    write(QStringLiteral("LastTitleDisplayName"), QStringLiteral("Numerical Date"));
-    write(QStringLiteral("menuTitleFormatter"), QStringLiteral("%Y!"));
+    // A change shows at the next tick and the next opening.
+    write(u"LastTitleDisplayName"_s, u"Numerical Date"_s);
+    write(u"menuTitleFormatter"_s, u"%Y!"_s);
     m_platform.timers.advance(1.0);
     EXPECT_EQ(m_platform.statusItem()->title(), u"2006!");
     EXPECT_GT(m_store.fileReadCount(), reads);
 
-    write(QStringLiteral("Custom Dates"), QVariantList{QStringLiteral("only %Y")});
+    write(u"Custom Dates"_s, QVariantList{u"only %Y"_s});
     m_platform.statusItem()->openMenu();
     const QStringList menu = menuTitles();
     EXPECT_TRUE(menu.contains(u"only 2006"));

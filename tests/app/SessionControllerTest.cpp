@@ -14,6 +14,8 @@
 
 namespace {
 
+using namespace Qt::StringLiterals;
+
 // An instant no calendar can show: every text of it fails to render.
 constexpr AbsoluteTime kBeyondAnyCalendar = 1e300;
 
@@ -109,20 +111,19 @@ using TitleAnnouncements = SessionRequestsTest;
 
 TEST_F(TitleAnnouncements, OnlyATitleThatReadsDifferentlyIsAnnounced)
 {
-    set(SettingsKey::MenuTitleFormatter, QStringLiteral("%H:%M"));
+    set(SettingsKey::MenuTitleFormatter, u"%H:%M"_s);
     EXPECT_EQ(session.requests->title(), QString()) << "no title before the first tick";
     platform.timers.advance(1.0);
-    EXPECT_EQ(session.requests->title(), QStringLiteral("14:31"));
+    EXPECT_EQ(session.requests->title(), u"14:31"_s);
     platform.timers.advance(5.0); // 14:31:53: the minute has not changed
-    EXPECT_EQ(session.announcedTitles, QStringList{QStringLiteral("14:31")});
+    EXPECT_EQ(session.announcedTitles, QStringList{u"14:31"_s});
 
     platform.timers.advance(10.0); // past 14:32
-    set(SettingsKey::MenuTitleFormatter, QStringLiteral("%H:%M:%S"));
+    set(SettingsKey::MenuTitleFormatter, u"%H:%M:%S"_s);
     platform.timers.advance(2.0);
     EXPECT_EQ(session.announcedTitles,
-              (QStringList{QStringLiteral("14:31"), QStringLiteral("14:32"),
-                           QStringLiteral("14:32:04"), QStringLiteral("14:32:05")}));
-    EXPECT_EQ(session.requests->title(), QStringLiteral("14:32:05"));
+              (QStringList{u"14:31"_s, u"14:32"_s, u"14:32:04"_s, u"14:32:05"_s}));
+    EXPECT_EQ(session.requests->title(), u"14:32:05"_s);
 }
 
 TEST_F(TitleAnnouncements, PickedMomentIsTheChoosersValueAndAStoppedControllerSaysNothing)
@@ -131,7 +132,7 @@ TEST_F(TitleAnnouncements, PickedMomentIsTheChoosersValueAndAStoppedControllerSa
     g_selectedDateTime = kFriday - 3 * kDay;
     EXPECT_EQ(session.requests->pickedMoment(), kFriday - 3 * kDay);
 
-    set(SettingsKey::MenuTitleFormatter, QStringLiteral("%S"));
+    set(SettingsKey::MenuTitleFormatter, u"%S"_s);
     platform.timers.advance(1.0);
     requests.reset();
     EXPECT_EQ(session.requests, nullptr);
@@ -144,18 +145,18 @@ using EntryRequests = SessionRequestsTest;
 TEST_F(EntryRequests, ShowMenuOpensTheRebuiltMenuWhereAsked)
 {
     const int setups = controller.setupCount();
-    set(SettingsKey::CustomDates, QVariantList{QStringLiteral("%Y")});
+    set(SettingsKey::CustomDates, QVariantList{u"%Y"_s});
     session.requests->showMenu(QPoint(40, 12));
     EXPECT_EQ(item().popUpCount(), 1);
     EXPECT_EQ(item().lastPopUpPosition(), QPoint(40, 12));
     EXPECT_EQ(controller.setupCount(), setups + 1);
-    EXPECT_EQ(titleOf(MenuAction::CustomDateFormatter), QStringLiteral("2006"))
+    EXPECT_EQ(titleOf(MenuAction::CustomDateFormatter), u"2006"_s)
         << "the menu shows the settings as of this opening";
 
     session.requests->showMenu(std::nullopt);
     EXPECT_EQ(item().lastPopUpPosition(), std::nullopt);
     // Choosing from the opened menu copies, as from the panel.
-    ASSERT_TRUE(item().chooseItemTitled(QStringLiteral("20060310")));
+    ASSERT_TRUE(item().chooseItemTitled(u"20060310"_s));
     EXPECT_EQ(platform.clipboard.contents(), QByteArray("20060310"));
 }
 
@@ -206,12 +207,11 @@ TEST_F(SecondStart, TheFirstRunsSilentlyALaterOneAsksForPreferencesAndSaysSoInOn
     session.heldByAnother = true;
     EXPECT_EQ(start(), 0);
     EXPECT_EQ(session.preferencesAsked, 1);
-    EXPECT_EQ(output,
-              QStringLiteral("Horalo is already running; its Preferences window is open.\n"));
+    EXPECT_EQ(output, u"Horalo is already running; its Preferences window is open.\n"_s);
 
     session.holderAnswers = false;
     EXPECT_EQ(start(), 0);
-    EXPECT_EQ(output, QStringLiteral("Horalo is already running in this session.\n"))
+    EXPECT_EQ(output, u"Horalo is already running in this session.\n"_s)
         << "a holder that cannot be asked (no bus, only a lock) is not said to show anything";
 }
 

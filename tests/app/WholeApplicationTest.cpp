@@ -6,6 +6,8 @@
 #include "support/ControllerFixture.h"
 #include "support/InMemoryPrefPaneControls.h"
 
+using namespace Qt::StringLiterals;
+
 class WholeApplication : public ControllerFixture
 {
 protected:
@@ -25,18 +27,17 @@ protected:
 TEST_F(WholeApplication, ClosingAnyWindowSavesBroadcastsOnceAndTheMenuRebuildsAtOnce)
 {
     item().openMenu();
-    ASSERT_TRUE(item().chooseItemTitled(QStringLiteral("Date-Time Chooser")));
+    ASSERT_TRUE(item().chooseItemTitled(u"Date-Time Chooser"_s));
     preferencesWindow.makeKeyAndOrderFront();
     controls.addCusomDateButton.click();
-    controls.customDatesTable.userEditsCell(QStringLiteral("Custom Date Format"), 0,
-                                            QStringLiteral("week %j"));
+    controls.customDatesTable.userEditsCell(u"Custom Date Format"_s, 0, u"week %j"_s);
     EXPECT_EQ(titleOf(MenuAction::CustomDateFormatter), QString());
     const int builds = controller.setupCount();
     platform.chooserWindow.close();
     EXPECT_EQ(platform.distributedCenter.postCount(), 1);
     platform.processEvents();
     EXPECT_EQ(controller.setupCount(), builds + 1);
-    EXPECT_EQ(titleOf(MenuAction::CustomDateFormatter), QStringLiteral("week 069"));
+    EXPECT_EQ(titleOf(MenuAction::CustomDateFormatter), u"week 069"_s);
     // The save wrote the window's booleans, as their defaults here, and not the title's icon.
     EXPECT_EQ(platform.store.copyAppValue(SettingsKey::IncludeDateOnlyItems, AppIdentifier),
               QVariant(false));
@@ -51,7 +52,7 @@ TEST_F(WholeApplication, ABoxTickedInPreferencesShowsAtTheNextOpening)
     controls.useSymbolicNames.click();
     EXPECT_EQ(platform.distributedCenter.postCount(), 0) << "a click writes, it does not broadcast";
     item().openMenu();
-    EXPECT_EQ(titleOf(MenuAction::FullDate), QStringLiteral("Full Date"));
+    EXPECT_EQ(titleOf(MenuAction::FullDate), u"Full Date"_s);
 }
 
 TEST_F(WholeApplication, ATickingChooserClosedDirectlyStaysHeldThroughTheRebuild)
@@ -59,13 +60,13 @@ TEST_F(WholeApplication, ATickingChooserClosedDirectlyStaysHeldThroughTheRebuild
     set(SettingsKey::DynamicDateTimeChooser, true);
     controls.dynamicDateTimeChooser.setState(1);
     item().openMenu();
-    ASSERT_TRUE(item().chooseItemTitled(QStringLiteral("Date-Time Chooser")));
+    ASSERT_TRUE(item().chooseItemTitled(u"Date-Time Chooser"_s));
     platform.timers.advance(2.0);
     platform.chooserWindow.close();
     platform.processEvents();
     EXPECT_EQ(g_selectedDateTime, kFriday + 1) << "the last tick's whole second is held";
     item().openMenu();
-    EXPECT_TRUE(menuLines().at(2).startsWith(QStringLiteral("Days To ")));
+    EXPECT_TRUE(menuLines().at(2).startsWith(u"Days To "_s));
 }
 
 // Settings another writer changes (`horalo defaults write`, an edit of the file, another
@@ -91,36 +92,34 @@ TEST_F(SettingsFromOutside, SurviveEveryWindowCloseAndShowInTheWindow)
     EXPECT_EQ(stored(SettingsKey::IncludeTimeOnlyItems), QVariant(true));
 
     writeFromOutside(SettingsKey::IncludeDateOnlyItems, true);
-    writeFromOutside(SettingsKey::CustomDates, QVariantList{QStringLiteral("week %j")});
+    writeFromOutside(SettingsKey::CustomDates, QVariantList{u"week %j"_s});
     platform.processEvents();
     EXPECT_EQ(controls.includeDateOnlyItems.state(), CheckBox::kOnState);
-    EXPECT_EQ(preferences.customDateFormats(), QStringList{QStringLiteral("week %j")});
+    EXPECT_EQ(preferences.customDateFormats(), QStringList{u"week %j"_s});
 
     item().openMenu();
-    ASSERT_TRUE(item().chooseItemTitled(QStringLiteral("Date-Time Chooser")));
+    ASSERT_TRUE(item().chooseItemTitled(u"Date-Time Chooser"_s));
     platform.chooserWindow.close();
     preferencesWindow.makeKeyAndOrderFront();
     preferencesWindow.close();
     platform.processEvents();
     EXPECT_EQ(stored(SettingsKey::IncludeDateOnlyItems), QVariant(true));
-    EXPECT_EQ(stored(SettingsKey::CustomDates), QVariantList{QStringLiteral("week %j")});
+    EXPECT_EQ(stored(SettingsKey::CustomDates), QVariantList{u"week %j"_s});
 }
 
 TEST_F(SettingsFromOutside, KeepWhatTheUserChangedInTheWindowSince)
 {
     preferencesWindow.makeKeyAndOrderFront();
-    writeFromOutside(SettingsKey::CustomDates, QVariantList{QStringLiteral("%Y")});
+    writeFromOutside(SettingsKey::CustomDates, QVariantList{u"%Y"_s});
     writeFromOutside(SettingsKey::UseSymbolicNames, true);
-    writeFromOutside(SettingsKey::LastTitleDisplayName, QStringLiteral("Full Date"));
+    writeFromOutside(SettingsKey::LastTitleDisplayName, u"Full Date"_s);
     platform.processEvents();
-    EXPECT_EQ(controls.menuTitleDisplayPopupButton.titleOfSelectedItem(),
-              QStringLiteral("Full Date"));
+    EXPECT_EQ(controls.menuTitleDisplayPopupButton.titleOfSelectedItem(), u"Full Date"_s);
 
     controls.addCusomDateButton.click();
     controls.includeGMTDateTime.click(); // on by default: now off
     preferencesWindow.close();
-    EXPECT_EQ(stored(SettingsKey::CustomDates),
-              (QVariantList{QStringLiteral("%Y"), kDefaultCustomDateFormat}));
+    EXPECT_EQ(stored(SettingsKey::CustomDates), (QVariantList{u"%Y"_s, kDefaultCustomDateFormat}));
     EXPECT_EQ(stored(SettingsKey::UseSymbolicNames), QVariant(true));
     EXPECT_EQ(stored(SettingsKey::IncludeGMTDateTime), QVariant(false));
 
@@ -133,10 +132,10 @@ TEST_F(SettingsFromOutside, KeepWhatTheUserChangedInTheWindowSince)
 TEST_F(SettingsFromOutside, AChangeOnDiskRebuildsTheMenuAsABroadcastWould)
 {
     const int builds = controller.setupCount();
-    writeFromOutside(SettingsKey::CustomDates, QVariantList{QStringLiteral("week %j")});
+    writeFromOutside(SettingsKey::CustomDates, QVariantList{u"week %j"_s});
     platform.processEvents();
     EXPECT_EQ(controller.setupCount(), builds + 1);
-    EXPECT_EQ(titleOf(MenuAction::CustomDateFormatter), QStringLiteral("week 069"));
+    EXPECT_EQ(titleOf(MenuAction::CustomDateFormatter), u"week 069"_s);
     EXPECT_EQ(platform.distributedCenter.postCount(), 0) << "nothing to tell: the file did";
 }
 

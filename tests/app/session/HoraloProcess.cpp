@@ -7,13 +7,13 @@
 #include <QDBusConnectionInterface>
 #include <QDeadlineTimer>
 
+using namespace Qt::StringLiterals;
+
 XServer::XServer()
 {
     // -displayfd: the server picks a free display and tells us which on its standard output.
-    m_process.start(QStringLiteral("Xvfb"),
-                    {QStringLiteral("-displayfd"), QStringLiteral("1"), QStringLiteral("-screen"),
-                     QStringLiteral("0"), QStringLiteral("1024x600x24"),
-                     QStringLiteral("-nolisten"), QStringLiteral("tcp")});
+    m_process.start(u"Xvfb"_s, {u"-displayfd"_s, u"1"_s, u"-screen"_s, u"0"_s, u"1024x600x24"_s,
+                                u"-nolisten"_s, u"tcp"_s});
     if (!m_process.waitForStarted(5000))
         return;
     QDeadlineTimer deadline(10000);
@@ -40,25 +40,25 @@ TestUser::TestUser()
 {
     for (const char *sub : {"home", "config", "run", "data"})
         QDir().mkpath(m_dir.path() + QLatin1Char('/') + QLatin1String(sub));
-    QFile(m_dir.path() + QStringLiteral("/run"))
+    QFile(m_dir.path() + u"/run"_s)
         .setPermissions(QFileDevice::ReadOwner | QFileDevice::WriteOwner | QFileDevice::ExeOwner);
 }
 
 QProcessEnvironment TestUser::environment(const QString &display) const
 {
     QProcessEnvironment env = QProcessEnvironment::systemEnvironment();
-    env.insert(QStringLiteral("HOME"), m_dir.path() + QStringLiteral("/home"));
-    env.insert(QStringLiteral("XDG_CONFIG_HOME"), configHome());
-    env.insert(QStringLiteral("XDG_RUNTIME_DIR"), m_dir.path() + QStringLiteral("/run"));
-    env.insert(QStringLiteral("XDG_DATA_HOME"), m_dir.path() + QStringLiteral("/data"));
-    env.remove(QStringLiteral("WAYLAND_DISPLAY"));
-    env.remove(QStringLiteral("SESSION_MANAGER"));
+    env.insert(u"HOME"_s, m_dir.path() + u"/home"_s);
+    env.insert(u"XDG_CONFIG_HOME"_s, configHome());
+    env.insert(u"XDG_RUNTIME_DIR"_s, m_dir.path() + u"/run"_s);
+    env.insert(u"XDG_DATA_HOME"_s, m_dir.path() + u"/data"_s);
+    env.remove(u"WAYLAND_DISPLAY"_s);
+    env.remove(u"SESSION_MANAGER"_s);
     if (display.isEmpty()) {
-        env.remove(QStringLiteral("DISPLAY"));
-        env.insert(QStringLiteral("QT_QPA_PLATFORM"), QStringLiteral("offscreen"));
+        env.remove(u"DISPLAY"_s);
+        env.insert(u"QT_QPA_PLATFORM"_s, u"offscreen"_s);
     } else {
-        env.insert(QStringLiteral("DISPLAY"), display);
-        env.remove(QStringLiteral("QT_QPA_PLATFORM"));
+        env.insert(u"DISPLAY"_s, display);
+        env.remove(u"QT_QPA_PLATFORM"_s);
     }
     return env;
 }
@@ -132,7 +132,7 @@ QByteArray RunXTool(const QString &display, const QString &program, const QStrin
 {
     QProcess tool;
     QProcessEnvironment env = QProcessEnvironment::systemEnvironment();
-    env.insert(QStringLiteral("DISPLAY"), display);
+    env.insert(u"DISPLAY"_s, display);
     tool.setProcessEnvironment(env);
     tool.start(program, arguments);
     // An X client answers from its own event loop; ours need not run.
@@ -142,10 +142,8 @@ QByteArray RunXTool(const QString &display, const QString &program, const QStrin
 
 QByteArray ReadClipboard(const QString &display)
 {
-    return RunXTool(display, QStringLiteral("xclip"),
-                    {QStringLiteral("-o"), QStringLiteral("-selection"),
-                     QStringLiteral("clipboard"), QStringLiteral("-target"),
-                     QStringLiteral("UTF8_STRING")});
+    return RunXTool(display, u"xclip"_s,
+                    {u"-o"_s, u"-selection"_s, u"clipboard"_s, u"-target"_s, u"UTF8_STRING"_s});
 }
 
 QString HoraloBinary()
@@ -156,7 +154,6 @@ QString HoraloBinary()
 void DefaultsWrite(const TestUser &user, const QStringList &arguments)
 {
     HoraloProcess defaults(user);
-    ASSERT_TRUE(
-        defaults.run(QStringList{QStringLiteral("defaults"), QStringLiteral("write")} + arguments));
+    ASSERT_TRUE(defaults.run(QStringList{u"defaults"_s, u"write"_s} + arguments));
     ASSERT_EQ(defaults.exitCode(), 0) << defaults.readStderr().constData();
 }

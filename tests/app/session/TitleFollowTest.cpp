@@ -120,9 +120,7 @@ TEST(TitleFollowWithoutHoralo, EndsWhenNothingReadsItsOutput)
     // The shell ends when both ends of its pipe have; our input stays open throughout.
     QProcess pipeline;
     pipeline.setProcessEnvironment(user.environment(QString()));
-    pipeline.start(QStringLiteral("sh"),
-                   {QStringLiteral("-c"), QStringLiteral("\"$0\" title --follow | head -n 1"),
-                    HoraloBinary()});
+    pipeline.start(u"sh"_s, {u"-c"_s, u"\"$0\" title --follow | head -n 1"_s, HoraloBinary()});
     ASSERT_TRUE(pipeline.waitForFinished(8000)) << "still running with nobody reading";
     EXPECT_EQ(pipeline.exitCode(), 0);
     EXPECT_EQ(pipeline.readAllStandardOutput().count('\n'), 1);
