@@ -8,10 +8,26 @@ function(horalo_warnings target)
 endfunction()
 
 # One static library per subsystem, linked by the application, the tests and the benchmarks.
+#
+# A library's include directory holds links to its own headers only, under their paths below
+# src/ ("datetext/DateText.h"). Code therefore sees the headers of the libraries it links and
+# no others: a lower room that includes a higher one, or a header left out of every source
+# list, fails to compile instead of coupling the rooms quietly.
 function(horalo_library name)
     cmake_parse_arguments(ARG "" "" "SOURCES;PUBLIC;PRIVATE" ${ARGN})
     add_library(${name} STATIC ${ARG_SOURCES})
-    target_include_directories(${name} PUBLIC ${PROJECT_SOURCE_DIR}/src)
+    set(include_root ${PROJECT_BINARY_DIR}/include/${name})
+    file(REMOVE_RECURSE ${include_root})
+    foreach(source IN LISTS ARG_SOURCES)
+        get_filename_component(path ${source} ABSOLUTE BASE_DIR ${CMAKE_CURRENT_SOURCE_DIR})
+        if(path MATCHES "\\.h$" AND path MATCHES "^${PROJECT_SOURCE_DIR}/src/")
+            file(RELATIVE_PATH relative ${PROJECT_SOURCE_DIR}/src ${path})
+            get_filename_component(directory ${include_root}/${relative} DIRECTORY)
+            file(MAKE_DIRECTORY ${directory})
+            file(CREATE_LINK ${path} ${include_root}/${relative} SYMBOLIC)
+        endif()
+    endforeach()
+    target_include_directories(${name} PUBLIC ${include_root})
     target_link_libraries(${name} PUBLIC ${ARG_PUBLIC} PRIVATE ${ARG_PRIVATE})
     horalo_warnings(${name})
 endfunction()
