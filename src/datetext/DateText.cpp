@@ -1,5 +1,6 @@
 #include "datetext/DateText.h"
 
+#include "datetext/DateFormatCatalogue.h"
 #include "datetext/IcuText.h"
 #include "datetext/LocalEnvironment.h"
 
@@ -128,11 +129,7 @@ QString GMTString(const Clock &clock)
 
 QString NumericalDateString(const Clock &clock)
 {
-    const QString description = DefaultDescription(clock.currentAbsoluteTime());
-    if (description.isNull())
-        return kFallbackText;
-    const QStringList fields = description.split(QLatin1Char(' '));
-    if (fields.isEmpty())
-        return kFallbackText;
-    return fields.first();
+    const QString date =
+        NumericalDateFromDescription(DefaultDescription(clock.currentAbsoluteTime()));
+    return date.isNull() ? kFallbackText : date;
 }
