@@ -5,6 +5,7 @@
 #include "datetext/LocalEnvironment.h"
 #include "datetext/LocaleDefaults.h"
 #include "datetext/NSDateExtensions.h"
+#include "platform/memory/InMemoryPlatform.h"
 
 #include <benchmark/benchmark.h>
 #include <unicode/datefmt.h>
@@ -22,12 +23,6 @@ namespace {
 constexpr double kUnixSeconds = 1142019107;
 constexpr AbsoluteTime kInstant = kUnixSeconds - kAbsoluteTimeIntervalSince1970;
 constexpr const char *kCustomFormat = "%a %d %b, %Y %I:%M:%S %p (%z)";
-
-class FixedClock final : public Clock
-{
-public:
-    AbsoluteTime currentAbsoluteTime() const override { return kInstant + 90061; }
-};
 
 // What every rendering must do: a fresh locale, zone and formatter.
 void BM_StyledFreshFormatter(benchmark::State &state)
@@ -124,7 +119,7 @@ BENCHMARK(BM_DefaultDescription);
 
 void BM_TimesinceWithDepth(benchmark::State &state)
 {
-    const FixedClock clock;
+    const ManualClock clock(kInstant + 90061);
     for (auto _ : state)
         benchmark::DoNotOptimize(NSDateExtensions(clock, kInstant).timesinceWithDepth(2));
 }
