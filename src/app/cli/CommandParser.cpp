@@ -15,6 +15,22 @@ QString Spelled(const QString &optionName)
     return (optionName.size() == 1 ? QStringLiteral("-") : QStringLiteral("--")) + optionName;
 }
 
+// An unknown option as the user typed it: a single-dash word ("-bool") is read as letters
+// compacted together, and naming only its first letter would point at nothing typed.
+QString AsTyped(const QString &optionName, const QStringList &args)
+{
+    if (optionName.size() == 1) {
+        for (const QString &arg : args) {
+            if (arg == QLatin1String("--"))
+                break;
+            if (arg.size() > 2 && arg.startsWith(QLatin1Char('-')) &&
+                !arg.startsWith(QLatin1String("--")) && arg.mid(1).contains(optionName))
+                return arg;
+        }
+    }
+    return Spelled(optionName);
+}
+
 // The text in lines of at most 79 columns, broken between words, as the options' help is.
 QString Wrapped(const QString &text)
 {
@@ -124,7 +140,7 @@ std::optional<int> CommandParser::parse(const QStringList &args, QTextStream &ou
     if (!m_parser.parse(QStringList{QStringLiteral("horalo")} + args)) {
         const QStringList unknown = m_parser.unknownOptionNames();
         QString message = unknown.isEmpty() ? m_parser.errorText()
-                                            : m_unknownOption.arg(Spelled(unknown.first()));
+                                            : m_unknownOption.arg(AsTyped(unknown.first(), args));
         if (message.endsWith(QLatin1Char('.')))
             message.chop(1);
         if (!message.isEmpty())

@@ -157,6 +157,7 @@ TEST_F(DefaultsCommandTest, BadInputSaysWhatIsWrongInOneLineAndChangesNothing)
     } cases[] = {
         {{}, u"needs read, write or delete"_s},
         {{u"frobnicate"_s}, u"unknown defaults command 'frobnicate'"_s},
+        {{u"-bool"_s}, u"unknown defaults command '-bool'"_s},
         {{u"read"_s, u"a"_s, u"b"_s}, u"at most one key"_s},
         {{u"read"_s, u"missing"_s}, u"'missing' does not exist"_s},
         {{u"write"_s}, u"needs a key"_s},
