@@ -1,8 +1,8 @@
 #pragma once
 
 #include "datetext/DateText.h"
+#include "platform/memory/InMemoryPlatform.h"
 #include "support/QtPrinters.h"
-#include "platform/Clock.h"
 
 #include <QByteArray>
 #include <QList>
@@ -10,7 +10,6 @@
 
 #include <cstdlib>
 #include <ostream>
-
 
 // Absolute time of a Unix time in seconds.
 inline AbsoluteTime FromUnix(double unixSeconds)
@@ -20,17 +19,6 @@ inline AbsoluteTime FromUnix(double unixSeconds)
 
 // 2006-03-10 14:31:47 EST, a Friday.
 inline constexpr double kFridayUnix = 1142019107;
-
-class TestClock final : public Clock
-{
-public:
-    explicit TestClock(AbsoluteTime now) : m_now(now) {}
-    AbsoluteTime currentAbsoluteTime() const override { return m_now; }
-    void set(AbsoluteTime now) { m_now = now; }
-
-private:
-    AbsoluteTime m_now;
-};
 
 // Sets environment variables for the life of the object and puts the old values back, together
 // with the process-wide date state the renderers read.

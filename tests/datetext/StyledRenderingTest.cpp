@@ -4,6 +4,7 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <cmath>
 #include <cstring>
 
@@ -11,144 +12,90 @@ using namespace Qt::StringLiterals;
 
 namespace {
 
-struct StyledCase
+constexpr DateFormatterStyle N = kNoStyle, S = kShortStyle, M = kMediumStyle, L = kLongStyle,
+                             F = kFullStyle;
+
+TEST(StyledRendering, RendersTheLocalesStandardTextInItsZone)
 {
-    const char *locale;
-    const char *zone;
-    DateFormatterStyle dateStyle;
-    DateFormatterStyle timeStyle;
-    QString expected;
-};
-
-void PrintTo(const StyledCase &c, std::ostream *os)
-{
-    *os << c.locale << ' ' << c.zone << " (" << c.dateStyle << ", " << c.timeStyle << ")";
-}
-
-class StyledPairTest : public ::testing::TestWithParam<StyledCase>
-{};
-
-TEST_P(StyledPairTest, RendersTheLocalesStandardText)
-{
-    const StyledCase &c = GetParam();
-    ScopedDateEnvironment environment;
-    environment.setLocaleAndZone(c.locale, c.zone);
-    EXPECT_EQ(StyledDateTimeString(FromUnix(kFridayUnix), c.dateStyle, c.timeStyle), c.expected);
-}
-
-// ICU 72 puts a narrow no-break space (U+202F) before the English AM/PM.
-INSTANTIATE_TEST_SUITE_P(
-    EnglishInNewYork, StyledPairTest,
-    ::testing::Values(
-        StyledCase{"en_US.UTF-8", "America/New_York", kShortStyle, kShortStyle,
-                   u"3/10/06, 2:31\u202FPM"_s},
-        StyledCase{"en_US.UTF-8", "America/New_York", kMediumStyle, kMediumStyle,
-                   u"Mar 10, 2006, 2:31:47\u202FPM"_s},
-        StyledCase{"en_US.UTF-8", "America/New_York", kLongStyle, kLongStyle,
-                   u"March 10, 2006 at 2:31:47\u202FPM EST"_s},
-        StyledCase{"en_US.UTF-8", "America/New_York", kFullStyle, kFullStyle,
-                   u"Friday, March 10, 2006 at 2:31:47\u202FPM Eastern Standard Time"_s},
-        StyledCase{"en_US.UTF-8", "America/New_York", kShortStyle, kNoStyle, u"3/10/06"_s},
-        StyledCase{"en_US.UTF-8", "America/New_York", kMediumStyle, kNoStyle, u"Mar 10, 2006"_s},
-        StyledCase{"en_US.UTF-8", "America/New_York", kLongStyle, kNoStyle, u"March 10, 2006"_s},
-        StyledCase{"en_US.UTF-8", "America/New_York", kFullStyle, kNoStyle,
-                   u"Friday, March 10, 2006"_s},
-        StyledCase{"en_US.UTF-8", "America/New_York", kNoStyle, kShortStyle, u"2:31\u202FPM"_s},
-        StyledCase{"en_US.UTF-8", "America/New_York", kNoStyle, kMediumStyle, u"2:31:47\u202FPM"_s},
-        StyledCase{"en_US.UTF-8", "America/New_York", kNoStyle, kLongStyle,
-                   u"2:31:47\u202FPM EST"_s},
-        StyledCase{"en_US.UTF-8", "America/New_York", kNoStyle, kFullStyle,
-                   u"2:31:47\u202FPM Eastern Standard Time"_s}));
-
-// The same instant is already Saturday morning in Tokyo.
-INSTANTIATE_TEST_SUITE_P(EnglishInTokyo, StyledPairTest,
-                         ::testing::Values(StyledCase{"en_US.UTF-8", "Asia/Tokyo", kMediumStyle,
-                                                      kMediumStyle,
-                                                      u"Mar 11, 2006, 4:31:47\u202FAM"_s},
-                                           StyledCase{"en_US.UTF-8", "Asia/Tokyo", kFullStyle,
-                                                      kNoStyle, u"Saturday, March 11, 2006"_s},
-                                           StyledCase{"en_US.UTF-8", "Asia/Tokyo", kNoStyle,
-                                                      kShortStyle, u"4:31\u202FAM"_s}));
-
-INSTANTIATE_TEST_SUITE_P(
-    German, StyledPairTest,
-    ::testing::Values(StyledCase{"de_DE.UTF-8", "America/New_York", kShortStyle, kShortStyle,
-                                 u"10.03.06, 14:31"_s},
-                      StyledCase{"de_DE.UTF-8", "America/New_York", kMediumStyle, kMediumStyle,
-                                 u"10.03.2006, 14:31:47"_s},
-                      StyledCase{"de_DE.UTF-8", "America/New_York", kLongStyle, kLongStyle,
-                                 u"10. März 2006 um 14:31:47 GMT-5"_s},
-                      StyledCase{"de_DE.UTF-8", "America/New_York", kFullStyle, kNoStyle,
-                                 u"Freitag, 10. März 2006"_s},
-                      StyledCase{"de_DE.UTF-8", "Asia/Tokyo", kMediumStyle, kMediumStyle,
-                                 u"11.03.2006, 04:31:47"_s},
-                      StyledCase{"de_DE.UTF-8", "Asia/Tokyo", kFullStyle, kNoStyle,
-                                 u"Samstag, 11. März 2006"_s},
-                      StyledCase{"de_DE.UTF-8", "Asia/Tokyo", kNoStyle, kShortStyle, u"04:31"_s}));
-
-INSTANTIATE_TEST_SUITE_P(
-    Japanese, StyledPairTest,
-    ::testing::Values(StyledCase{"ja_JP.UTF-8", "America/New_York", kShortStyle, kShortStyle,
-                                 u"2006/03/10 14:31"_s},
-                      StyledCase{"ja_JP.UTF-8", "America/New_York", kMediumStyle, kMediumStyle,
-                                 u"2006/03/10 14:31:47"_s},
-                      StyledCase{"ja_JP.UTF-8", "America/New_York", kFullStyle, kFullStyle,
-                                 u"2006年3月10日金曜日 14時31分47秒 アメリカ東部標準時"_s},
-                      StyledCase{"ja_JP.UTF-8", "Asia/Tokyo", kMediumStyle, kMediumStyle,
-                                 u"2006/03/11 4:31:47"_s},
-                      StyledCase{"ja_JP.UTF-8", "Asia/Tokyo", kLongStyle, kNoStyle,
-                                 u"2006年3月11日"_s},
-                      StyledCase{"ja_JP.UTF-8", "Asia/Tokyo", kFullStyle, kFullStyle,
-                                 u"2006年3月11日土曜日 4時31分47秒 日本標準時"_s}));
-
-class LocaleFromEnvironmentTest : public ::testing::Test
-{
-protected:
-    ScopedDateEnvironment m_environment;
-};
-
-TEST_F(LocaleFromEnvironmentTest, LcAllWinsOverLcTimeWhichWinsOverLang)
-{
-    m_environment.set("LANG", "ja_JP.UTF-8");
-    m_environment.set("LC_TIME", "de_DE.UTF-8");
-    m_environment.set("LC_ALL", "en_US.UTF-8");
-    EXPECT_EQ(CurrentLocaleName(), "en_US");
-    m_environment.set("LC_ALL", "");
-    EXPECT_EQ(CurrentLocaleName(), "de_DE");
-    m_environment.set("LC_TIME", nullptr);
-    EXPECT_EQ(CurrentLocaleName(), "ja_JP");
-}
-
-TEST_F(LocaleFromEnvironmentTest, CodesetAndModifierAreDropped)
-{
-    m_environment.set("LC_ALL", "de_DE.ISO-8859-15@euro");
-    EXPECT_EQ(CurrentLocaleName(), "de_DE");
-    m_environment.set("LC_ALL", "sr_RS@latin");
-    EXPECT_EQ(CurrentLocaleName(), "sr_RS");
-}
-
-TEST_F(LocaleFromEnvironmentTest, NoLocaleCAndPosixRenderAsAmericanEnglish)
-{
-    m_environment.set("TZ", "America/New_York");
-    for (const char *value : {static_cast<const char *>(nullptr), "C", "POSIX", "C.UTF-8"}) {
-        m_environment.set("LC_ALL", value);
-        m_environment.set("LC_TIME", nullptr);
-        m_environment.set("LANG", nullptr);
-        EXPECT_EQ(CurrentLocaleName(), "en_US") << (value ? value : "(unset)");
-        EXPECT_EQ(StyledDateTimeString(FromUnix(kFridayUnix), kMediumStyle, kNoStyle),
-                  u"Mar 10, 2006"_s);
+    const struct
+    {
+        const char *locale;
+        const char *zone;
+        DateFormatterStyle dateStyle, timeStyle;
+        QString expected;
+    } cases[] = {
+        // ICU 72 puts a narrow no-break space (U+202F) before the English AM/PM.
+        {"en_US.UTF-8", "America/New_York", S, S, u"3/10/06, 2:31\u202FPM"_s},
+        {"en_US.UTF-8", "America/New_York", F, F,
+         u"Friday, March 10, 2006 at 2:31:47\u202FPM Eastern Standard Time"_s},
+        {"en_US.UTF-8", "America/New_York", S, N, u"3/10/06"_s},
+        {"en_US.UTF-8", "America/New_York", M, N, u"Mar 10, 2006"_s},
+        {"en_US.UTF-8", "America/New_York", L, N, u"March 10, 2006"_s},
+        {"en_US.UTF-8", "America/New_York", F, N, u"Friday, March 10, 2006"_s},
+        {"en_US.UTF-8", "America/New_York", N, S, u"2:31\u202FPM"_s},
+        {"en_US.UTF-8", "America/New_York", N, M, u"2:31:47\u202FPM"_s},
+        {"en_US.UTF-8", "America/New_York", N, L, u"2:31:47\u202FPM EST"_s},
+        {"en_US.UTF-8", "America/New_York", N, F, u"2:31:47\u202FPM Eastern Standard Time"_s},
+        // The same instant is already Saturday morning in Tokyo.
+        {"en_US.UTF-8", "Asia/Tokyo", M, M, u"Mar 11, 2006, 4:31:47\u202FAM"_s},
+        {"de_DE.UTF-8", "America/New_York", L, L, u"10. März 2006 um 14:31:47 GMT-5"_s},
+        {"de_DE.UTF-8", "Asia/Tokyo", F, N, u"Samstag, 11. März 2006"_s},
+        {"de_DE.UTF-8", "Asia/Tokyo", N, S, u"04:31"_s},
+        {"ja_JP.UTF-8", "America/New_York", M, M, u"2006/03/10 14:31:47"_s},
+        {"ja_JP.UTF-8", "Asia/Tokyo", F, F, u"2006年3月11日土曜日 4時31分47秒 日本標準時"_s},
+    };
+    for (const auto &c : cases) {
+        SCOPED_TRACE(testing::Message() << c.locale << ' ' << c.zone << " (" << c.dateStyle << ", "
+                                        << c.timeStyle << ')');
+        ScopedDateEnvironment environment;
+        environment.setLocaleAndZone(c.locale, c.zone);
+        EXPECT_EQ(StyledDateTimeString(FromUnix(kFridayUnix), c.dateStyle, c.timeStyle),
+                  c.expected);
     }
 }
 
-TEST_F(LocaleFromEnvironmentTest, AChangeOfLocaleOrZoneShowsAtTheNextRendering)
+TEST(StyledRendering, LocaleComesFromLcAllThenLcTimeThenLangWithoutCodesetOrModifier)
 {
-    m_environment.setLocaleAndZone("en_US.UTF-8", "America/New_York");
+    const struct
+    {
+        const char *lcAll, *lcTime, *lang, *expected;
+    } cases[] = {
+        {"en_US.UTF-8", "de_DE.UTF-8", "ja_JP.UTF-8", "en_US"},
+        {"", "de_DE.UTF-8", "ja_JP.UTF-8", "de_DE"},
+        {nullptr, nullptr, "ja_JP.UTF-8", "ja_JP"},
+        {"de_DE.ISO-8859-15@euro", nullptr, nullptr, "de_DE"},
+        {"sr_RS@latin", nullptr, nullptr, "sr_RS"},
+        // No locale, C and POSIX render as American English.
+        {nullptr, nullptr, nullptr, "en_US"},
+        {"C", nullptr, nullptr, "en_US"},
+        {"POSIX", nullptr, nullptr, "en_US"},
+        {"C.UTF-8", nullptr, nullptr, "en_US"},
+    };
+    for (const auto &c : cases) {
+        SCOPED_TRACE(testing::Message()
+                     << (c.lcAll ? c.lcAll : "(unset)") << ' ' << (c.lcTime ? c.lcTime : "(unset)")
+                     << ' ' << (c.lang ? c.lang : "(unset)"));
+        ScopedDateEnvironment environment;
+        environment.set("LC_ALL", c.lcAll);
+        environment.set("LC_TIME", c.lcTime);
+        environment.set("LANG", c.lang);
+        EXPECT_EQ(CurrentLocaleName(), c.expected);
+    }
+    ScopedDateEnvironment environment;
+    environment.setLocaleAndZone("POSIX", "America/New_York");
+    EXPECT_EQ(StyledDateTimeString(FromUnix(kFridayUnix), M, N), u"Mar 10, 2006"_s);
+}
+
+TEST(StyledRendering, AChangeOfLocaleOrZoneShowsAtTheNextRendering)
+{
+    ScopedDateEnvironment environment;
+    environment.setLocaleAndZone("en_US.UTF-8", "America/New_York");
     const AbsoluteTime instant = FromUnix(kFridayUnix);
-    EXPECT_EQ(StyledDateTimeString(instant, kNoStyle, kShortStyle), u"2:31\u202FPM"_s);
-    m_environment.set("TZ", "Europe/Berlin");
-    EXPECT_EQ(StyledDateTimeString(instant, kNoStyle, kShortStyle), u"8:31\u202FPM"_s);
-    m_environment.set("LC_ALL", "de_DE.UTF-8");
-    EXPECT_EQ(StyledDateTimeString(instant, kNoStyle, kShortStyle), u"20:31"_s);
+    EXPECT_EQ(StyledDateTimeString(instant, N, S), u"2:31\u202FPM"_s);
+    environment.set("TZ", "Europe/Berlin");
+    EXPECT_EQ(StyledDateTimeString(instant, N, S), u"8:31\u202FPM"_s);
+    environment.set("LC_ALL", "de_DE.UTF-8");
+    EXPECT_EQ(StyledDateTimeString(instant, N, S), u"20:31"_s);
 }
 
 class StyledFailureTest : public ::testing::Test
@@ -160,10 +107,10 @@ protected:
 
 TEST_F(StyledFailureTest, NoTextForTwoEmptyHalvesAnInstantThatIsNoDateOrAStyleOutOfRange)
 {
-    EXPECT_TRUE(StyledDateTimeString(0, kNoStyle, kNoStyle).isNull());
-    EXPECT_TRUE(StyledDateTimeString(std::nan(""), kShortStyle, kShortStyle).isNull());
-    EXPECT_TRUE(StyledDateTimeString(1e300, kShortStyle, kShortStyle).isNull());
-    EXPECT_TRUE(StyledDateTimeString(0, static_cast<DateFormatterStyle>(5), kNoStyle).isNull());
+    EXPECT_TRUE(StyledDateTimeString(0, N, N).isNull());
+    EXPECT_TRUE(StyledDateTimeString(std::nan(""), S, S).isNull());
+    EXPECT_TRUE(StyledDateTimeString(1e300, S, S).isNull());
+    EXPECT_TRUE(StyledDateTimeString(0, static_cast<DateFormatterStyle>(5), N).isNull());
 }
 
 TEST_F(StyledFailureTest, DatesBeforeTheReformAreProlepticGregorianLikeEveryOtherText)
@@ -172,7 +119,7 @@ TEST_F(StyledFailureTest, DatesBeforeTheReformAreProlepticGregorianLikeEveryOthe
     // 1582-10-10 exists only on the proleptic calendar (the Julian one skipped it), a Sunday.
     // 1582-10-15, the first Gregorian day, began at Unix time -12219292800.
     const AbsoluteTime instant = FromUnix(-12219292800.0 - 5 * 86400.0 + 12 * 3600.0);
-    EXPECT_EQ(StyledDateTimeString(instant, kFullStyle, kNoStyle), u"Sunday, October 10, 1582"_s);
+    EXPECT_EQ(StyledDateTimeString(instant, F, N), u"Sunday, October 10, 1582"_s);
     EXPECT_EQ(DefaultDescription(instant), u"1582-10-10 12:00:00 +0000"_s);
 }
 
@@ -190,103 +137,53 @@ protected:
         return TitleFormatText(name, m_clock).value_or(u"(none)"_s);
     }
     ScopedDateEnvironment m_environment;
-    // "Now" is 2006-03-10 14:31:47 EST; the picked moment is 1999-12-31 23:59:59 EST.
-    TestClock m_clock{FromUnix(kFridayUnix)};
-    const AbsoluteTime m_picked = FromUnix(946702799);
+    // "Now" is 2006-03-10 14:31:47 EST.
+    ManualClock m_clock{FromUnix(kFridayUnix)};
 };
 
-TEST_F(WorkingInstantTest, NothingPickedMeansNowEverywhere)
+TEST_F(WorkingInstantTest, APickedMomentReplacesNowExceptInTheAlwaysNowTexts)
 {
     EXPECT_EQ(WorkingInstant(m_clock), FromUnix(kFridayUnix));
-    EXPECT_EQ(MakeCurrentDateTimeStringRef(m_clock, kMediumStyle, kNoStyle), u"Mar 10, 2006"_s);
     EXPECT_EQ(title(u"Medium Date"), u"Mar 10, 2006"_s);
-}
 
-TEST_F(WorkingInstantTest, APickedMomentReplacesNowInTheWorkingInstantRenderers)
-{
-    g_selectedDateTime = m_picked;
-    EXPECT_EQ(WorkingInstant(m_clock), m_picked);
-    EXPECT_EQ(MakeCurrentDateTimeStringRef(m_clock, kMediumStyle, kNoStyle), u"Dec 31, 1999"_s);
-    EXPECT_EQ(title(u"Short Date"), u"12/31/99"_s);
+    const AbsoluteTime picked = FromUnix(946702799); // 1999-12-31 23:59:59 EST
+    g_selectedDateTime = picked;
+    EXPECT_EQ(WorkingInstant(m_clock), picked);
+    EXPECT_EQ(MakeCurrentDateTimeStringRef(m_clock, M, N), u"Dec 31, 1999"_s);
     EXPECT_EQ(title(u"Short Date Time"), u"12/31/99, 11:59\u202FPM"_s);
-    EXPECT_EQ(title(u"Medium Date"), u"Dec 31, 1999"_s);
-    EXPECT_EQ(title(u"Medium Date Time"), u"Dec 31, 1999, 11:59:59\u202FPM"_s);
-    EXPECT_EQ(title(u"Long Date"), u"December 31, 1999"_s);
-    EXPECT_EQ(title(u"Long Date Time"), u"December 31, 1999 at 11:59:59\u202FPM EST"_s);
     EXPECT_EQ(title(u"Full Date"), u"Friday, December 31, 1999"_s);
-    EXPECT_EQ(title(u"Full Date Time"),
-              u"Friday, December 31, 1999 at 11:59:59\u202FPM Eastern Standard Time"_s);
-}
 
-TEST_F(WorkingInstantTest, TheAlwaysNowRenderersIgnoreThePickedMoment)
-{
-    g_selectedDateTime = m_picked;
-    EXPECT_EQ(CurrentDateTimeString(m_clock, kMediumStyle, kShortStyle),
-              u"Mar 10, 2006, 2:31\u202FPM"_s);
+    EXPECT_EQ(CurrentDateTimeString(m_clock, M, S), u"Mar 10, 2006, 2:31\u202FPM"_s);
     EXPECT_EQ(GMTString(m_clock), u"2006-03-10 14:31:47 -0500"_s);
     EXPECT_EQ(NumericalDateString(m_clock), u"2006-03-10"_s);
     EXPECT_EQ(title(u"GMT"), u"2006-03-10 14:31:47 -0500"_s);
-}
 
-TEST_F(WorkingInstantTest, ANegativeMomentBeforeTheReferenceDateIsAMomentToo)
-{
+    // A moment before the reference date is negative, and a moment too.
     g_selectedDateTime = -1;
     EXPECT_EQ(title(u"Medium Date Time"), u"Dec 31, 2000, 6:59:59\u202FPM"_s);
-}
-
-TEST_F(WorkingInstantTest, TitleOperationsFallBackToTheProgramsName)
-{
     g_selectedDateTime = std::nan("");
-    EXPECT_EQ(title(u"Short Date"), u"Horalo"_s);
-    EXPECT_EQ(title(u"Full Date Time"), u"Horalo"_s);
-    EXPECT_TRUE(MakeCurrentDateTimeStringRef(m_clock, kShortStyle, kNoStyle).isNull());
+    EXPECT_EQ(title(u"Long Date"), u"Horalo"_s) << "the title falls back to the program's name";
+    EXPECT_EQ(title(u"Short Time"), u"(none)"_s) << "not a title's name";
 }
 
-class DateStringBufferTest : public ::testing::Test
+TEST_F(WorkingInstantTest, AStringBufferTakesTheWholeTextAndItsTerminatorOrIsLeftUntouched)
 {
-protected:
-    void SetUp() override
-    {
-        m_environment.setLocaleAndZone("ja_JP.UTF-8", "Asia/Tokyo");
-        g_selectedDateTime = 0;
-        std::memset(m_buffer, '#', sizeof m_buffer);
-    }
-    bool untouched() const
-    {
-        for (char c : m_buffer) {
-            if (c != '#')
-                return false;
-        }
-        return true;
-    }
-    ScopedDateEnvironment m_environment;
-    TestClock m_clock{FromUnix(kFridayUnix)};
-    char m_buffer[kDateStringBufferSize];
+    m_environment.setLocaleAndZone("ja_JP.UTF-8", "Asia/Tokyo");
+    char buffer[kDateStringBufferSize];
+    std::memset(buffer, '#', sizeof buffer);
+    const auto untouched = [&] {
+        return std::all_of(std::begin(buffer), std::end(buffer), [](char c) { return c == '#'; });
+    };
     // "2006年3月11日" is 4 ASCII digits, 3 more and 3 three-byte characters: 16 bytes.
-    static constexpr qint32 kTextBytes = 16;
-};
-
-TEST_F(DateStringBufferTest, TheTextAndItsTerminatorFitExactly)
-{
-    ASSERT_TRUE(MakeCurrentDateString(m_clock, kLongStyle, kNoStyle, m_buffer, kTextBytes + 1));
-    EXPECT_STREQ(m_buffer, "2006年3月11日");
-    EXPECT_EQ(m_buffer[kTextBytes + 1], '#');
-}
-
-TEST_F(DateStringBufferTest, OneByteShortFailsAsAWholeAndLeavesTheBufferUntouched)
-{
-    EXPECT_FALSE(MakeCurrentDateString(m_clock, kLongStyle, kNoStyle, m_buffer, kTextBytes));
+    constexpr qint32 kTextBytes = 16;
+    for (const qint32 size : {kTextBytes, 0, -1})
+        EXPECT_FALSE(MakeCurrentDateString(m_clock, L, N, buffer, size)) << size;
+    EXPECT_FALSE(MakeCurrentDateString(m_clock, N, N, buffer, kDateStringBufferSize)) << "no text";
     EXPECT_TRUE(untouched());
-    EXPECT_FALSE(MakeCurrentDateString(m_clock, kLongStyle, kNoStyle, m_buffer, 0));
-    EXPECT_FALSE(MakeCurrentDateString(m_clock, kLongStyle, kNoStyle, m_buffer, -1));
-    EXPECT_TRUE(untouched());
-}
 
-TEST_F(DateStringBufferTest, NoTextLeavesTheBufferUntouched)
-{
-    EXPECT_FALSE(
-        MakeCurrentDateString(m_clock, kNoStyle, kNoStyle, m_buffer, kDateStringBufferSize));
-    EXPECT_TRUE(untouched());
+    ASSERT_TRUE(MakeCurrentDateString(m_clock, L, N, buffer, kTextBytes + 1));
+    EXPECT_STREQ(buffer, "2006年3月11日");
+    EXPECT_EQ(buffer[kTextBytes + 1], '#');
 }
 
 } // namespace
