@@ -101,3 +101,20 @@ private:
     int m_referenceSize;
     QList<QByteArray> m_objects;
 };
+
+// {"é\0": 1}, exactly as Python's plistlib writes it: a UTF-16 key holding U+0000.
+inline const QByteArray kNulInUtf16Key(
+    "\x62\x70\x6c\x69\x73\x74\x30\x30\xd1\x01\x02\x62\x00\xe9\x00\x00\x10\x01\x08\x0b\x10\x00\x00"
+    "\x00\x00\x00\x00\x01\x01\x00\x00\x00\x00\x00\x00\x00\x03\x00\x00\x00\x00\x00\x00\x00\x00\x00"
+    "\x00\x00\x00\x00\x00\x00\x12",
+    53);
+
+// A chain of `depth` one-element arrays around an integer.
+inline QByteArray NestedArrays(int depth)
+{
+    BinaryPlistBuilder plist(4);
+    for (int i = 0; i < depth; ++i)
+        plist.add(plist.array({i + 1}));
+    plist.add(plist.integer(7));
+    return plist.build(0);
+}

@@ -48,7 +48,14 @@ protected:
 
     QStringList filesBeside(const QString &pattern) const
     {
-        return QDir(QFileInfo(m_path).path()).entryList({pattern}, QDir::AllEntries);
+        return QDir(dir()).entryList({pattern}, QDir::AllEntries);
+    }
+    QString dir() const { return QFileInfo(m_path).path(); }
+    // Puts these bytes where the store's file belongs.
+    void plant(const QByteArray &bytes)
+    {
+        QDir().mkpath(dir());
+        ASSERT_TRUE(WriteFileBytes(m_path, bytes));
     }
 
     QProcess *startPeer(const QStringList &arguments)
@@ -74,27 +81,8 @@ TEST_F(PlistStoreTest, FirstWriteCreatesAnOwnerOnlyFileAndItsDirectories)
     store.setAppValue(QStringLiteral("k"), true, kDomain);
     EXPECT_TRUE(store.appSynchronize(kDomain));
     EXPECT_EQ(Mode(m_path), 0600);
-    EXPECT_EQ(Mode(QFileInfo(m_path).path()), 0700);
+    EXPECT_EQ(Mode(dir()), 0700);
     EXPECT_TRUE(ReadFileBytes(m_path).startsWith("<?xml"));
-}
-
-TEST_F(PlistStoreTest, EveryTypeReachesAnotherInstance)
-{
-    const QVariantMap values{
-        {QStringLiteral("bool"), true},
-        {QStringLiteral("int"), qlonglong(42)},
-        {QStringLiteral("negative"), qlonglong(-9)},
-        {QStringLiteral("real"), 0.25},
-        {QStringLiteral("string"), QStringLiteral("%Y-%m")},
-        {QStringLiteral("date"), Utc(1142019107)},
-        {QStringLiteral("array"), QVariantList{QStringLiteral("a"), qlonglong(2)}},
-        {QStringLiteral("dict"), QVariantMap{{QStringLiteral("in"), QVariantList{false}}}},
-    };
-    writeFresh(values);
-    const QVariantMap back = readFresh();
-    EXPECT_EQ(back, values);
-    for (auto it = values.cbegin(); it != values.cend(); ++it)
-        EXPECT_EQ(back.value(it.key()).typeId(), it.value().typeId()) << qPrintable(it.key());
 }
 
 TEST_F(PlistStoreTest, OthersSeeAWriteAtTheirNextSynchronize)
@@ -163,7 +151,7 @@ TEST_F(PlistStoreTest, ACrashBeforeTheRenameLeavesTheOldFileWhole)
     // The peer died with its complete temporary file written but not renamed.
     const QStringList stray = filesBeside(QStringLiteral("*.tmp-*"));
     ASSERT_EQ(stray.size(), 1);
-    const QString strayPath = QFileInfo(m_path).path() + u'/' + stray.first();
+    const QString strayPath = dir() + u'/' + stray.first();
     EXPECT_EQ(PlistPreferencesStore(strayPath).copyAppValue(u"keep"_s, kDomain), u"new"_s);
     EXPECT_EQ(readFresh().value(QStringLiteral("keep")), QVariant(u"old"_s));
 
@@ -173,14 +161,26 @@ TEST_F(PlistStoreTest, ACrashBeforeTheRenameLeavesTheOldFileWhole)
     EXPECT_EQ(readFresh().value(QStringLiteral("keep")), QVariant(u"old"_s));
 }
 
-class DamagedStoreTest : public PlistStoreTest, public ::testing::WithParamInterface<const char *>
+// What a damaged file holds, named for the test's output.
+struct DamagedFile
+{
+    const char *name;
+    QByteArray bytes;
+    const char *reason = "not a well-formed property list";
+};
+
+void PrintTo(const DamagedFile &file, std::ostream *os)
+{
+    *os << file.name;
+}
+
+class DamagedStoreTest : public PlistStoreTest, public ::testing::WithParamInterface<DamagedFile>
 {};
 
-TEST_P(DamagedStoreTest, ReadsAsDefaultsAndIsKeptAsideBeforeTheNextWrite)
+TEST_P(DamagedStoreTest, ReadsAsDefaultsWithOneLineToTellAndIsKeptAsideWholeAtTheNextWrite)
 {
-    const QByteArray damaged(GetParam());
-    QDir().mkpath(QFileInfo(m_path).path());
-    ASSERT_TRUE(WriteFileBytes(m_path, damaged));
+    const QByteArray damaged = GetParam().bytes;
+    plant(damaged);
 
     PlistPreferencesStore store(m_path);
     EXPECT_TRUE(store.copyAllValues(kDomain).isEmpty());
@@ -189,9 +189,14 @@ TEST_P(DamagedStoreTest, ReadsAsDefaultsAndIsKeptAsideBeforeTheNextWrite)
     EXPECT_FALSE(store.appSynchronize(kDomain));
     EXPECT_FALSE(store.appSynchronize(kDomain));
     EXPECT_EQ(ReadFileBytes(m_path), damaged) << "a read must leave the file alone";
+    const QString problem = store.takeProblem();
+    EXPECT_TRUE(problem.contains(u"cannot be read (%1)"_s.arg(QLatin1String(GetParam().reason))))
+        << qPrintable(problem);
+    EXPECT_TRUE(store.takeProblem().isEmpty()) << "taking it clears it";
 
     store.setAppValue(QStringLiteral("fresh"), 1, kDomain);
     EXPECT_TRUE(store.appSynchronize(kDomain));
+    EXPECT_TRUE(store.takeProblem().contains(u"is kept as"_s));
     EXPECT_EQ(readFresh(), (QVariantMap{{QStringLiteral("fresh"), qlonglong(1)}}));
 
     const QStringList aside = filesBeside(QStringLiteral("*.corrupt"));
@@ -201,7 +206,7 @@ TEST_P(DamagedStoreTest, ReadsAsDefaultsAndIsKeptAsideBeforeTheNextWrite)
             .match(aside.first())
             .hasMatch())
         << qPrintable(aside.first());
-    EXPECT_EQ(ReadFileBytes(QFileInfo(m_path).path() + u'/' + aside.first()), damaged);
+    EXPECT_EQ(ReadFileBytes(dir() + u'/' + aside.first()), damaged);
 
     // Damaged again within the same second: a second copy, not an overwritten first.
     ASSERT_TRUE(WriteFileBytes(m_path, damaged));
@@ -210,10 +215,18 @@ TEST_P(DamagedStoreTest, ReadsAsDefaultsAndIsKeptAsideBeforeTheNextWrite)
     EXPECT_EQ(filesBeside(QStringLiteral("*.corrupt")).size(), 2);
 }
 
-INSTANTIATE_TEST_SUITE_P(Kinds, DamagedStoreTest,
-                         ::testing::Values("<?xml version=\"1.0\"?><plist><dict><key>a</key>",
-                                           "<plist><array><true/></array></plist>",
-                                           "bplist00 truncated", "\x01\x02 not text"));
+// The last two crashed or hung the previous reader: a UTF-16 key holding U+0000 and 100,000
+// nested arrays.
+INSTANTIATE_TEST_SUITE_P(
+    Kinds, DamagedStoreTest,
+    ::testing::Values(DamagedFile{"cut-short XML",
+                                  "<?xml version=\"1.0\"?><plist><dict><key>a</key>"},
+                      DamagedFile{"no dictionary", "<plist><array><true/></array></plist>",
+                                  "no dictionary at its top"},
+                      DamagedFile{"cut-short binary", "bplist00 truncated"},
+                      DamagedFile{"not text", "\x01\x02 not text"},
+                      DamagedFile{"NUL in a key", kNulInUtf16Key},
+                      DamagedFile{"too deep", NestedArrays(100000)}));
 
 TEST_F(PlistStoreTest, SomethingElseInTheFilesPlaceIsKeptAsideToo)
 {
@@ -225,13 +238,12 @@ TEST_F(PlistStoreTest, SomethingElseInTheFilesPlaceIsKeptAsideToo)
     EXPECT_EQ(readFresh().value(QStringLiteral("k")), QVariant(qlonglong(1)));
     const QStringList aside = filesBeside(QStringLiteral("*.corrupt"));
     ASSERT_EQ(aside.size(), 1);
-    EXPECT_TRUE(QFileInfo::exists(QFileInfo(m_path).path() + u'/' + aside.first() + u"/inside"_s));
+    EXPECT_TRUE(QFileInfo::exists(dir() + u'/' + aside.first() + u"/inside"_s));
 }
 
 TEST_F(PlistStoreTest, AnEmptyFileIsSimplyReplaced)
 {
-    QDir().mkpath(QFileInfo(m_path).path());
-    ASSERT_TRUE(WriteFileBytes(m_path, QByteArray()));
+    plant(QByteArray());
     PlistPreferencesStore store(m_path);
     EXPECT_TRUE(store.appSynchronize(kDomain));
     store.setAppValue(QStringLiteral("k"), 1, kDomain);
@@ -274,8 +286,7 @@ const char kBinaryPlist[] =
 
 TEST_F(PlistStoreTest, ABinaryStoreIsReadAndKeptWhenRewrittenAsXml)
 {
-    QDir().mkpath(QFileInfo(m_path).path());
-    ASSERT_TRUE(WriteFileBytes(m_path, QByteArray(kBinaryPlist, sizeof kBinaryPlist - 1)));
+    plant(QByteArray(kBinaryPlist, sizeof kBinaryPlist - 1));
     const QVariantMap expected{
         {QStringLiteral("Custom Dates"), QVariantList{u"%Y"_s, u"%d %b"_s}},
         {QStringLiteral("big"), qlonglong(1) << 40},
@@ -304,46 +315,9 @@ TEST_F(PlistStoreTest, ABinaryStoreIsReadAndKeptWhenRewrittenAsXml)
     EXPECT_EQ(readFresh(), withAdded);
 }
 
-// Files that crashed or hung the previous reader: a UTF-16 key holding U+0000 (53 bytes, as
-// Python writes it) and 100,000 nested arrays. Both read as the defaults with one line to tell,
-// and are kept aside whole at the next write.
-TEST_F(PlistStoreTest, HostileBinaryFilesReadAsDefaultsAndAreKeptAsideWhole)
-{
-    BinaryPlistBuilder deep(4);
-    for (int i = 0; i < 100000; ++i)
-        deep.add(deep.array({i + 1}));
-    deep.add(deep.integer(1));
-    const QByteArray files[] = {
-        QByteArray("\x62\x70\x6c\x69\x73\x74\x30\x30\xd1\x01\x02\x62\x00\xe9\x00\x00\x10\x01\x08"
-                   "\x0b\x10\x00\x00\x00\x00\x00\x00\x01\x01\x00\x00\x00\x00\x00\x00\x00\x03\x00"
-                   "\x00\x00\x00\x00\x00\x00\x00\x00\x00\x00\x00\x00\x00\x00\x12",
-                   53),
-        deep.build(0),
-    };
-    QDir().mkpath(QFileInfo(m_path).path());
-    for (const QByteArray &bytes : files) {
-        ASSERT_TRUE(WriteFileBytes(m_path, bytes));
-        PlistPreferencesStore store(m_path);
-        EXPECT_TRUE(store.copyAllValues(kDomain).isEmpty());
-        EXPECT_FALSE(store.appSynchronize(kDomain));
-        const QString problem = store.takeProblem();
-        EXPECT_TRUE(problem.contains(u"cannot be read (not a well-formed property list)"_s))
-            << qPrintable(problem);
-        EXPECT_TRUE(store.takeProblem().isEmpty()) << "taking it clears it";
-
-        store.setAppValue(u"k"_s, true, kDomain);
-        ASSERT_TRUE(store.appSynchronize(kDomain));
-        EXPECT_TRUE(store.takeProblem().contains(u"is kept as"_s));
-        const QStringList aside = filesBeside(QStringLiteral("*.corrupt"));
-        ASSERT_FALSE(aside.isEmpty());
-        EXPECT_EQ(ReadFileBytes(QFileInfo(m_path).path() + u'/' + aside.last()), bytes);
-        QFile::remove(QFileInfo(m_path).path() + u'/' + aside.last());
-    }
-}
-
 TEST_F(PlistStoreTest, AFileOverSixteenMebibytesIsNotParsed)
 {
-    QDir().mkpath(QFileInfo(m_path).path());
+    QDir().mkpath(dir());
     // A valid list, so only its size can make it unreadable.
     const QByteArray head = "<plist><dict><key>k</key><string>";
     const QByteArray tail = "</string></dict></plist>";
@@ -368,8 +342,7 @@ TEST_F(PlistStoreTest, AKeyXmlCannotCarryRefusesTheWriteAndLeavesTheFileAlone)
         "\x02\x08\x0d\x0f\x12\x14\x00\x00\x00\x00\x00\x00\x01\x01\x00\x00\x00\x00\x00\x00\x00"
         "\x05\x00\x00\x00\x00\x00\x00\x00\x00\x00\x00\x00\x00\x00\x00\x00\x16",
         59);
-    QDir().mkpath(QFileInfo(m_path).path());
-    ASSERT_TRUE(WriteFileBytes(m_path, binary));
+    plant(binary);
     PlistPreferencesStore store(m_path);
     EXPECT_EQ(store.copyAllValues(kDomain),
               (QVariantMap{{u"\u0001"_s, qlonglong(1)}, {u"\uFFFD"_s, qlonglong(2)}}));
@@ -397,8 +370,7 @@ TEST_F(PlistStoreTest, AWriteThatWouldOutgrowWhatCanBeReadBackIsRefused)
     const int list = plist.add(plist.array(QList<int>(15, text)));
     const int root = plist.add(plist.dictionary({{plist.add(plist.ascii("many")), list}}));
     const QByteArray binary = plist.build(root);
-    QDir().mkpath(QFileInfo(m_path).path());
-    ASSERT_TRUE(WriteFileBytes(m_path, binary));
+    plant(binary);
 
     PlistPreferencesStore store(m_path);
     ASSERT_EQ(store.copyAppValue(u"many"_s, kDomain).toList().size(), 15);
@@ -415,7 +387,7 @@ TEST_F(PlistStoreTest, ASymlinkedStoreIsWrittenThroughAndStaysALink)
     const QString dotfiles = m_dir.path() + u"/dotfiles"_s;
     const QString target = dotfiles + u"/horalo.plist"_s;
     QDir().mkpath(dotfiles);
-    QDir().mkpath(QFileInfo(m_path).path());
+    QDir().mkpath(dir());
     ASSERT_TRUE(QFile::link(u"../dotfiles/horalo.plist"_s, m_dir.path() + u"/config/hop"_s));
     ASSERT_EQ(::symlink("../hop", QFile::encodeName(m_path).constData()), 0);
 
@@ -438,7 +410,7 @@ TEST_F(PlistStoreTest, ASymlinkedStoreIsWrittenThroughAndStaysALink)
 
 TEST_F(PlistStoreTest, ALoopOfLinksIsReportedAndNothingIsWritten)
 {
-    QDir().mkpath(QFileInfo(m_path).path());
+    QDir().mkpath(dir());
     ASSERT_EQ(
         ::symlink(QFile::encodeName(m_path).constData(), QFile::encodeName(m_path).constData()), 0);
     PlistPreferencesStore store(m_path);
@@ -452,7 +424,7 @@ TEST_F(PlistStoreTest, WhatStandsAtTheLockPathNeverBlocksWritesNorLeadsElsewhere
 {
     const QString lock = m_path + u".lock"_s;
     const QString elsewhere = m_dir.path() + u"/elsewhere"_s;
-    QDir().mkpath(QFileInfo(m_path).path());
+    QDir().mkpath(dir());
 
     // A dangling link: opening through it would create its target.
     ASSERT_TRUE(QFile::link(elsewhere, lock));
@@ -477,7 +449,7 @@ TEST_F(PlistStoreTest, WhatStandsAtTheLockPathNeverBlocksWritesNorLeadsElsewhere
     EXPECT_TRUE(QFileInfo(lock).isFile());
     const QStringList aside = filesBeside(u"*.lock.*.corrupt"_s);
     ASSERT_EQ(aside.size(), 1);
-    EXPECT_TRUE(QFileInfo::exists(QFileInfo(m_path).path() + u'/' + aside.first() + u"/inside"_s));
+    EXPECT_TRUE(QFileInfo::exists(dir() + u'/' + aside.first() + u"/inside"_s));
     EXPECT_EQ(readFresh().size(), 2);
 
     // A plain lock file is simply used, and nothing is said.
@@ -497,43 +469,28 @@ TEST_F(PlistStoreTest, OtherDomainsAreNeitherReadNorWritten)
     EXPECT_FALSE(readFresh().contains(QStringLiteral("x")));
 }
 
-class DefaultStorePathTest : public ::testing::Test
+TEST(DefaultStorePath, FollowsXdgConfigHomeAndFallsBackToDotConfig)
 {
-protected:
-    void SetUp() override
-    {
-        m_savedConfig = qgetenv("XDG_CONFIG_HOME");
-        m_hadConfig = qEnvironmentVariableIsSet("XDG_CONFIG_HOME");
-        m_savedHome = qgetenv("HOME");
-        qputenv("HOME", "/home/someone");
+    const auto setOrUnset = [](const char *name, const std::optional<QByteArray> &value) {
+        value ? qputenv(name, *value) : qunsetenv(name);
+    };
+    const auto saved = [](const char *name) {
+        return qEnvironmentVariableIsSet(name) ? std::optional(qgetenv(name)) : std::nullopt;
+    };
+    const std::optional<QByteArray> home = saved("HOME"), config = saved("XDG_CONFIG_HOME");
+    qputenv("HOME", "/home/someone");
+    const QString dotConfig = u"/home/someone/.config/horalo/org.horalo.Horalo.plist"_s;
+    for (const auto &[value, expected] :
+         {std::pair<std::optional<QByteArray>, QString>{
+              "/srv/conf/", u"/srv/conf/horalo/org.horalo.Horalo.plist"_s},
+          {std::nullopt, dotConfig},
+          {"", dotConfig},
+          {"relative/conf", dotConfig}}) {
+        setOrUnset("XDG_CONFIG_HOME", value);
+        EXPECT_EQ(DefaultPreferencesStorePath(), expected) << value.value_or("(unset)").constData();
     }
-    void TearDown() override
-    {
-        if (m_hadConfig)
-            qputenv("XDG_CONFIG_HOME", m_savedConfig);
-        else
-            qunsetenv("XDG_CONFIG_HOME");
-        qputenv("HOME", m_savedHome);
-    }
-
-    QByteArray m_savedConfig;
-    QByteArray m_savedHome;
-    bool m_hadConfig = false;
-};
-
-TEST_F(DefaultStorePathTest, FollowsXdgConfigHomeAndFallsBackToDotConfig)
-{
-    qputenv("XDG_CONFIG_HOME", "/srv/conf/");
-    EXPECT_EQ(DefaultPreferencesStorePath(), u"/srv/conf/horalo/org.horalo.Horalo.plist"_s);
-    qunsetenv("XDG_CONFIG_HOME");
-    EXPECT_EQ(DefaultPreferencesStorePath(),
-              u"/home/someone/.config/horalo/org.horalo.Horalo.plist"_s);
-    qputenv("XDG_CONFIG_HOME", "");
-    EXPECT_EQ(DefaultPreferencesStorePath(),
-              u"/home/someone/.config/horalo/org.horalo.Horalo.plist"_s);
-    qputenv("XDG_CONFIG_HOME", "relative/conf");
-    EXPECT_EQ(DefaultPreferencesStorePath(),
-              u"/home/someone/.config/horalo/org.horalo.Horalo.plist"_s);
+    setOrUnset("HOME", home);
+    setOrUnset("XDG_CONFIG_HOME", config);
 }
 
 } // namespace

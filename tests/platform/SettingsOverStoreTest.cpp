@@ -20,10 +20,14 @@ protected:
     // written there, as a hand edit or another program would leave it.
     void writeXml(const QByteArray &body)
     {
-        QDir().mkpath(QFileInfo(m_path).path());
         ASSERT_TRUE(WriteFileBytes(m_path, "<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n"
                                            "<plist version=\"1.0\"><dict>" +
                                                body + "</dict></plist>"));
+    }
+    QStringList customDates()
+    {
+        m_store.appSynchronize(AppIdentifier);
+        return CustomDatesFromValue(m_store.copyAppValue(SettingsKey::CustomDates, AppIdentifier));
     }
 
     QTemporaryDir m_dir = ScratchDirectory();
@@ -31,69 +35,56 @@ protected:
     PlistPreferencesStore m_store{m_path};
 };
 
-TEST_F(SettingsOverStoreTest, AnEmptyStoreGivesEveryDefault)
+TEST_F(SettingsOverStoreTest, EachBooleanHasItsDefaultFollowsItsStoredValueAndIgnoresOtherTypes)
 {
-    EXPECT_TRUE(IncludeGMTDateTime(m_store));
-    EXPECT_TRUE(IncludeTitleIcon(m_store));
-    EXPECT_FALSE(UseSymbolicNames(m_store));
-    EXPECT_FALSE(InitDateTimeChooserToCurrentTimeWhenOpened(m_store));
-    EXPECT_FALSE(DynamicDateTimeChooser(m_store));
-    EXPECT_FALSE(IncludeDateOnlyItems(m_store));
-    EXPECT_FALSE(IncludeTimeOnlyItems(m_store));
-    EXPECT_EQ(TitleDisplayName(m_store), u"Medium Date"_s);
-    EXPECT_TRUE(CustomDatesFromValue(m_store.copyAppValue(SettingsKey::CustomDates, AppIdentifier))
-                    .isEmpty());
-}
-
-using Accessor = bool (*)(PreferencesStore &);
-
-struct BooleanCase
-{
-    const QString &key;
-    Accessor accessor;
-};
-
-const BooleanCase kAccessors[] = {
-    {SettingsKey::UseSymbolicNames, UseSymbolicNames},
-    {SettingsKey::InitDateTimeChooserToCurrentTimeWhenOpened,
-     InitDateTimeChooserToCurrentTimeWhenOpened},
-    {SettingsKey::DynamicDateTimeChooser, DynamicDateTimeChooser},
-    {SettingsKey::IncludeGMTDateTime, IncludeGMTDateTime},
-    {SettingsKey::IncludeDateOnlyItems, IncludeDateOnlyItems},
-    {SettingsKey::IncludeTimeOnlyItems, IncludeTimeOnlyItems},
-    {SettingsKey::IncludeTitleIcon, IncludeTitleIcon},
-};
-
-TEST_F(SettingsOverStoreTest, EachBooleanFollowsItsStoredValueAndIgnoresOtherTypes)
-{
-    for (const BooleanCase &c : kAccessors) {
-        const bool fallback = BooleanSettingDefault(c.key);
+    const struct
+    {
+        const QString &key;
+        bool (*accessor)(PreferencesStore &);
+        bool fallback;
+    } booleans[] = {
+        {SettingsKey::UseSymbolicNames, UseSymbolicNames, false},
+        {SettingsKey::InitDateTimeChooserToCurrentTimeWhenOpened,
+         InitDateTimeChooserToCurrentTimeWhenOpened, false},
+        {SettingsKey::DynamicDateTimeChooser, DynamicDateTimeChooser, false},
+        {SettingsKey::IncludeGMTDateTime, IncludeGMTDateTime, true},
+        {SettingsKey::IncludeDateOnlyItems, IncludeDateOnlyItems, false},
+        {SettingsKey::IncludeTimeOnlyItems, IncludeTimeOnlyItems, false},
+        {SettingsKey::IncludeTitleIcon, IncludeTitleIcon, true},
+    };
+    for (const auto &c : booleans) {
         const QByteArray key = c.key.toUtf8();
+        SCOPED_TRACE(key.constData());
+        writeXml("");
+        EXPECT_EQ(c.accessor(m_store), c.fallback);
         writeXml("<key>" + key + "</key><true/>");
-        EXPECT_TRUE(c.accessor(m_store)) << key.constData();
+        EXPECT_TRUE(c.accessor(m_store));
         writeXml("<key>" + key + "</key><false/>");
-        EXPECT_FALSE(c.accessor(m_store)) << key.constData();
+        EXPECT_FALSE(c.accessor(m_store));
         // Wrong types read as the default, whatever they hold.
         for (const char *wrong :
              {"<integer>1</integer>", "<integer>0</integer>", "<string>true</string>",
               "<string>false</string>", "<real>1</real>", "<array><true/></array>"}) {
             writeXml("<key>" + key + "</key>" + wrong);
-            EXPECT_EQ(c.accessor(m_store), fallback) << key.constData() << ' ' << wrong;
+            EXPECT_EQ(c.accessor(m_store), c.fallback) << wrong;
         }
     }
 }
 
-TEST_F(SettingsOverStoreTest, TheTypeRulesTheMenuDependsOn)
+TEST_F(SettingsOverStoreTest, TheTitleNameIsAnyStoredStringAndCustomDatesTheStringsOfAList)
 {
-    writeXml("<key>UseSymbolicNames</key><integer>1</integer>"
-             "<key>IncludeGMTDateTime</key><string>NO</string>"
-             "<key>LastTitleDisplayName</key><integer>3</integer>");
-    EXPECT_FALSE(UseSymbolicNames(m_store));
-    EXPECT_TRUE(IncludeGMTDateTime(m_store));
     EXPECT_EQ(TitleDisplayName(m_store), u"Medium Date"_s);
+    EXPECT_TRUE(customDates().isEmpty());
+    writeXml("<key>LastTitleDisplayName</key><integer>3</integer>"
+             "<key>Custom Dates</key><string>%Y</string>");
+    EXPECT_EQ(TitleDisplayName(m_store), u"Medium Date"_s);
+    EXPECT_TRUE(customDates().isEmpty());
 
-    writeXml("<key>LastTitleDisplayName</key><string>No Such Format</string>");
+    writeXml("<key>LastTitleDisplayName</key><string>No Such Format</string>"
+             "<key>Custom Dates</key><array><string>%Y</string><integer>4</integer>"
+             "<string>%d %b</string><dict/></array>");
     EXPECT_EQ(TitleDisplayName(m_store), u"No Such Format"_s) << "names are not checked here";
+    EXPECT_EQ(customDates(), (QStringList{u"%Y"_s, u"%d %b"_s}));
 }
 
 TEST_F(SettingsOverStoreTest, EveryReadGoesToTheFileAfresh)
@@ -112,20 +103,6 @@ TEST_F(SettingsOverStoreTest, EveryReadGoesToTheFileAfresh)
     writer.appSynchronize(AppIdentifier);
     EXPECT_FALSE(UseSymbolicNames(m_store));
     EXPECT_FALSE(IncludeTitleIcon(m_store));
-}
-
-TEST_F(SettingsOverStoreTest, CustomDatesKeepOrderAndSkipWhatIsNotAString)
-{
-    writeXml("<key>Custom Dates</key><array><string>%Y</string><integer>4</integer>"
-             "<string>%d %b</string><dict/></array>");
-    m_store.appSynchronize(AppIdentifier);
-    EXPECT_EQ(CustomDatesFromValue(m_store.copyAppValue(SettingsKey::CustomDates, AppIdentifier)),
-              (QStringList{u"%Y"_s, u"%d %b"_s}));
-
-    writeXml("<key>Custom Dates</key><string>%Y</string>");
-    m_store.appSynchronize(AppIdentifier);
-    EXPECT_TRUE(CustomDatesFromValue(m_store.copyAppValue(SettingsKey::CustomDates, AppIdentifier))
-                    .isEmpty());
 }
 
 } // namespace

@@ -80,16 +80,6 @@ protected:
     PlistPreferencesStore m_reader{m_path};
 };
 
-TEST_F(UnchangedStoreTest, AnUnchangedFileIsParsedOnceHoweverOftenItIsSynchronised)
-{
-    PlistPreferencesStore &reader = settledReader();
-    const int reads = reader.fileReadCount();
-    for (int i = 0; i < 100; ++i)
-        ASSERT_TRUE(reader.appSynchronize(kDomain));
-    EXPECT_EQ(reader.fileReadCount(), reads);
-    EXPECT_EQ(title(), u"Short Date");
-}
-
 TEST_F(UnchangedStoreTest, AFreshlyChangedFileIsParsedAtEverySynchroniseUntilItSettles)
 {
     // Just written: a same-size edit in the same clock tick could not be told apart, so no
@@ -99,54 +89,42 @@ TEST_F(UnchangedStoreTest, AFreshlyChangedFileIsParsedAtEverySynchroniseUntilItS
     const int reads = m_reader.fileReadCount();
     m_reader.appSynchronize(kDomain);
     EXPECT_EQ(m_reader.fileReadCount(), reads + 1);
-    settle();
-    m_reader.appSynchronize(kDomain);
-    m_reader.appSynchronize(kDomain);
+    settledReader();
     EXPECT_EQ(m_reader.fileReadCount(), reads + 2);
-}
 
-TEST_F(UnchangedStoreTest, ASameSizeEditInTheSameClockTickIsSeen)
-{
     // The real granularity, and no waiting: the edit follows the read at once.
     PlistPreferencesStore reader(m_path);
-    EXPECT_TRUE(reader.appSynchronize(kDomain));
     EditInPlaceKeepingModificationTime(m_path, StoreBytes(QStringLiteral("Short Time")));
     EXPECT_TRUE(reader.appSynchronize(kDomain));
     EXPECT_EQ(reader.copyAppValue(kKey, kDomain).toString(), u"Short Time");
 }
 
-TEST_F(UnchangedStoreTest, ASameSizeHandEditWithItsModificationTimePutBackIsSeen)
+TEST_F(UnchangedStoreTest, EveryKindOfChangeToASettledFileShowsAtTheNextSynchronise)
 {
+    // A same-size hand edit with its modification time put back.
     settledReader();
     EditInPlaceKeepingModificationTime(m_path, StoreBytes(QStringLiteral("Short Time")));
     EXPECT_TRUE(m_reader.appSynchronize(kDomain));
     EXPECT_EQ(title(), u"Short Time");
-}
 
-TEST_F(UnchangedStoreTest, AnotherWritersAtomicRenameIsSeen)
-{
+    // Another writer's atomic rename.
     settledReader();
     PlistPreferencesStore writer(m_path);
     writer.setAppValue(kKey, QStringLiteral("Long Date"), kDomain);
     ASSERT_TRUE(writer.appSynchronize(kDomain));
     EXPECT_TRUE(m_reader.appSynchronize(kDomain));
     EXPECT_EQ(title(), u"Long Date");
-}
 
-TEST_F(UnchangedStoreTest, ADeletedFileReadsAsEmpty)
-{
+    // Deleted, then back again with the bytes first read: a new file, read anew.
     settledReader();
     ASSERT_TRUE(QFile::remove(m_path));
     EXPECT_TRUE(m_reader.appSynchronize(kDomain));
     EXPECT_FALSE(m_reader.copyAppValue(kKey, kDomain).isValid());
-    // Back again, with the very same bytes: a new file, read anew.
     ASSERT_TRUE(WriteFileBytes(m_path, StoreBytes(QStringLiteral("Short Date"))));
     EXPECT_TRUE(m_reader.appSynchronize(kDomain));
     EXPECT_EQ(title(), u"Short Date");
-}
 
-TEST_F(UnchangedStoreTest, AFileReplacedByADamagedOneReadsAsEmptyAndStaysSo)
-{
+    // Replaced by a damaged file: empty, and skipped parses answer as the parse did.
     settledReader();
     const QString damaged = m_path + QStringLiteral(".new");
     ASSERT_TRUE(WriteFileBytes(damaged, "<?xml version=\"1.0\"?><plist><dict><key>"));
@@ -154,14 +132,26 @@ TEST_F(UnchangedStoreTest, AFileReplacedByADamagedOneReadsAsEmptyAndStaysSo)
         ::rename(QFile::encodeName(damaged).constData(), QFile::encodeName(m_path).constData()), 0);
     EXPECT_FALSE(m_reader.appSynchronize(kDomain));
     EXPECT_FALSE(m_reader.copyAppValue(kKey, kDomain).isValid());
-
-    // Skipped parses answer as the parse did: still damaged.
     settle();
     m_reader.appSynchronize(kDomain);
     const int reads = m_reader.fileReadCount();
     EXPECT_FALSE(m_reader.appSynchronize(kDomain));
     EXPECT_EQ(m_reader.fileReadCount(), reads);
     EXPECT_FALSE(m_reader.copyAppValue(kKey, kDomain).isValid());
+
+    // A symbolic link pointed elsewhere.
+    const QString first = m_dir.path() + QStringLiteral("/first.plist");
+    const QString second = m_dir.path() + QStringLiteral("/second.plist");
+    ASSERT_TRUE(WriteFileBytes(first, StoreBytes(QStringLiteral("Short Date"))));
+    ASSERT_TRUE(WriteFileBytes(second, StoreBytes(QStringLiteral("Full Date"))));
+    ASSERT_TRUE(QFile::remove(m_path));
+    ASSERT_TRUE(QFile::link(first, m_path));
+    settledReader();
+    EXPECT_EQ(title(), u"Short Date");
+    ASSERT_TRUE(QFile::remove(m_path));
+    ASSERT_TRUE(QFile::link(second, m_path));
+    EXPECT_TRUE(m_reader.appSynchronize(kDomain));
+    EXPECT_EQ(title(), u"Full Date");
 }
 
 TEST_F(UnchangedStoreTest, AnOversizedFileIsNotLookedIntoAgainAndAWriteKeepsItAside)
@@ -183,23 +173,6 @@ TEST_F(UnchangedStoreTest, AnOversizedFileIsNotLookedIntoAgainAndAWriteKeepsItAs
     EXPECT_TRUE(m_reader.appSynchronize(kDomain));
     EXPECT_EQ(title(), u"Long Date");
     EXPECT_LT(QFileInfo(m_path).size(), 4096);
-}
-
-TEST_F(UnchangedStoreTest, ASymbolicLinkPointedElsewhereIsSeen)
-{
-    const QString first = m_dir.path() + QStringLiteral("/first.plist");
-    const QString second = m_dir.path() + QStringLiteral("/second.plist");
-    ASSERT_TRUE(WriteFileBytes(first, StoreBytes(QStringLiteral("Short Date"))));
-    ASSERT_TRUE(WriteFileBytes(second, StoreBytes(QStringLiteral("Full Date"))));
-    ASSERT_TRUE(QFile::remove(m_path));
-    ASSERT_TRUE(QFile::link(first, m_path));
-    settledReader();
-    EXPECT_EQ(title(), u"Short Date");
-
-    ASSERT_TRUE(QFile::remove(m_path));
-    ASSERT_TRUE(QFile::link(second, m_path));
-    EXPECT_TRUE(m_reader.appSynchronize(kDomain));
-    EXPECT_EQ(title(), u"Full Date");
 }
 
 TEST(FileSignatureTest, IsTrustedOnlyOnceItsLastChangeLiesBeyondTheGranularity)
