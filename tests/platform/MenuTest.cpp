@@ -45,19 +45,19 @@ protected:
 
 TEST_F(MenuTest, AutomaticEnablingAsksTheTargetOnlyForEntriesWithAnAction)
 {
-    EXPECT_FALSE(m_menu.isItemEnabled(0)) << "no target yet";
+    // Indexes -1 to 4: before the first entry, the four entries, after the last.
+    const auto enabled = [this] {
+        QList<bool> states;
+        for (int i = -1; i <= m_menu.numberOfItems(); ++i)
+            states.append(m_menu.isItemEnabled(i));
+        return states;
+    };
+    EXPECT_EQ(enabled(), QList<bool>(6, false)) << "no target yet";
     m_menu.setTarget(&m_target);
-    EXPECT_TRUE(m_menu.isItemEnabled(0));
-    EXPECT_FALSE(m_menu.isItemEnabled(1));
-    EXPECT_FALSE(m_menu.isItemEnabled(2));
-    EXPECT_FALSE(m_menu.isItemEnabled(3));
-    EXPECT_FALSE(m_menu.isItemEnabled(-1));
-    EXPECT_FALSE(m_menu.isItemEnabled(4));
-
+    EXPECT_EQ(enabled(), (QList<bool>{false, true, false, false, false, false}));
     m_menu.setAutoenablesItems(false);
-    EXPECT_TRUE(m_menu.isItemEnabled(3)) << "without automatic enabling the target is not asked";
-    EXPECT_FALSE(m_menu.isItemEnabled(1));
-    EXPECT_FALSE(m_menu.isItemEnabled(2));
+    EXPECT_EQ(enabled(), (QList<bool>{false, true, false, false, true, false}))
+        << "without automatic enabling the target is not asked";
 }
 
 TEST_F(MenuTest, OnlyEnabledEntriesRunTheirAction)
