@@ -8,13 +8,6 @@ using namespace Qt::StringLiterals;
 
 namespace {
 
-// Renders in an explicit zone, without a locale dictionary (English names).
-QString Render(const QString &format, double unixSeconds, const char *zone = "America/New_York")
-{
-    return DescriptionWithCalendarFormat(MakeCalendarDate(FromUnix(unixSeconds), QTimeZone(zone)),
-                                         format);
-}
-
 constexpr double kMidnight = 1141966800; // 2006-03-10 00:00 EST
 constexpr double kJuly = 1152000000;     // 2006-07-04, daylight-saving time in New York
 
@@ -88,7 +81,7 @@ TEST(CalendarFormat, EveryConversionAtItsEdges)
     for (const auto &c : cases) {
         SCOPED_TRACE(testing::Message()
                      << c.format.toStdString() << " at " << qint64(c.unixSeconds) << ' ' << c.zone);
-        EXPECT_EQ(Render(c.format, c.unixSeconds, c.zone), c.expected);
+        EXPECT_EQ(RenderCalendarFormat(c.format, c.unixSeconds, c.zone), c.expected);
     }
 }
 
@@ -100,18 +93,18 @@ TEST(CalendarFormat, EnglishNamesOfEveryMonth)
     for (int month = 1; month <= 12; ++month) {
         const QDateTime fifteenth(QDate(2006, month, 15), QTime(12, 0), Qt::UTC);
         const QString name = QString::fromUtf16(full[month - 1]);
-        EXPECT_EQ(Render(u"%B|%b|%m"_s, fifteenth.toSecsSinceEpoch(), "UTC"),
+        EXPECT_EQ(RenderCalendarFormat(u"%B|%b|%m"_s, fifteenth.toSecsSinceEpoch(), "UTC"),
                   u"%1|%2|%3"_s.arg(name, name.left(3)).arg(month, 2, 10, QLatin1Char('0')));
     }
 }
 
 TEST(CalendarFormat, EmptyNullLongAndUndatedInputs)
 {
-    const QString empty = Render(u""_s, kFridayUnix);
+    const QString empty = RenderCalendarFormat(u""_s, kFridayUnix);
     EXPECT_TRUE(empty.isEmpty());
     EXPECT_FALSE(empty.isNull()) << "an empty format is an empty text";
-    EXPECT_TRUE(Render(QString(), kFridayUnix).isNull());
-    EXPECT_TRUE(Render(u"%Y"_s, std::nan("")).isNull());
+    EXPECT_TRUE(RenderCalendarFormat(QString(), kFridayUnix).isNull());
+    EXPECT_TRUE(RenderCalendarFormat(u"%Y"_s, std::nan("")).isNull());
 
     QString format;
     QString expected;
@@ -119,7 +112,7 @@ TEST(CalendarFormat, EmptyNullLongAndUndatedInputs)
         format += u"%Y-%%-x"_s;
         expected += u"2006-%-x"_s;
     }
-    EXPECT_EQ(Render(format, kFridayUnix), expected);
+    EXPECT_EQ(RenderCalendarFormat(format, kFridayUnix), expected);
 }
 
 TEST(CalendarFormat, ADateWithoutAZoneIsGmtAndAMovedDateFindsItsOffsetAgain)

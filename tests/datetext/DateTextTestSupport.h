@@ -8,6 +8,8 @@
 #include <QList>
 #include <QPair>
 
+#include <gtest/gtest.h>
+
 #include <cstdlib>
 #include <ostream>
 
@@ -63,3 +65,25 @@ private:
     AbsoluteTime m_selected;
     std::optional<QVariantMap> m_dictionary;
 };
+
+// English in New York, as the tests' environment pins it, put back after the test.
+class NewYorkTest : public ::testing::Test
+{
+protected:
+    void SetUp() override
+    {
+        m_environment.setLocaleAndZone("en_US.UTF-8", "America/New_York");
+        g_selectedDateTime = 0;
+    }
+    ScopedDateEnvironment m_environment;
+};
+
+// A calendar format at a Unix time in an explicit zone, with a locale dictionary or without
+// one (English names).
+inline QString RenderCalendarFormat(const QString &format, double unixSeconds,
+                                    const char *zone = "America/New_York",
+                                    const QVariantMap *locale = nullptr)
+{
+    return DescriptionWithCalendarFormat(MakeCalendarDate(FromUnix(unixSeconds), QTimeZone(zone)),
+                                         format, locale);
+}

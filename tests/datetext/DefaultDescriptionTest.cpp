@@ -9,12 +9,7 @@ using namespace Qt::StringLiterals;
 
 namespace {
 
-class DefaultDescriptionTest : public ::testing::Test
-{
-protected:
-    void SetUp() override { m_environment.setLocaleAndZone("en_US.UTF-8", "America/New_York"); }
-    ScopedDateEnvironment m_environment;
-};
+using DefaultDescriptionTest = NewYorkTest;
 
 TEST_F(DefaultDescriptionTest, DateTimeAndOffsetInTheLocalZoneThroughTheCenturies)
 {

@@ -20,8 +20,7 @@ protected:
     }
     QString render(const QString &format, const QVariantMap *locale)
     {
-        return DescriptionWithCalendarFormat(
-            MakeCalendarDate(FromUnix(kFridayUnix), QTimeZone("America/New_York")), format, locale);
+        return RenderCalendarFormat(format, kFridayUnix, "America/New_York", locale);
     }
     ScopedDateEnvironment m_environment;
 };

@@ -98,12 +98,7 @@ TEST(StyledRendering, AChangeOfLocaleOrZoneShowsAtTheNextRendering)
     EXPECT_EQ(StyledDateTimeString(instant, N, S), u"20:31"_s);
 }
 
-class StyledFailureTest : public ::testing::Test
-{
-protected:
-    void SetUp() override { m_environment.setLocaleAndZone("en_US.UTF-8", "America/New_York"); }
-    ScopedDateEnvironment m_environment;
-};
+using StyledFailureTest = NewYorkTest;
 
 TEST_F(StyledFailureTest, NoTextForTwoEmptyHalvesAnInstantThatIsNoDateOrAStyleOutOfRange)
 {
@@ -123,20 +118,14 @@ TEST_F(StyledFailureTest, DatesBeforeTheReformAreProlepticGregorianLikeEveryOthe
     EXPECT_EQ(DefaultDescription(instant), u"1582-10-10 12:00:00 +0000"_s);
 }
 
-class WorkingInstantTest : public ::testing::Test
+class WorkingInstantTest : public NewYorkTest
 {
 protected:
-    void SetUp() override
-    {
-        m_environment.setLocaleAndZone("en_US.UTF-8", "America/New_York");
-        g_selectedDateTime = 0;
-    }
     // What the title shows for a title name; "(none)" when the name is no title's.
     QString title(QStringView name) const
     {
         return TitleFormatText(name, m_clock).value_or(u"(none)"_s);
     }
-    ScopedDateEnvironment m_environment;
     // "Now" is 2006-03-10 14:31:47 EST.
     ManualClock m_clock{FromUnix(kFridayUnix)};
 };
