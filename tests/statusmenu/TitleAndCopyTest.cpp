@@ -77,20 +77,6 @@ TEST_F(TitleRefresh, HiddenOverrideWinsWhenItHasText)
     EXPECT_EQ(tick(), QStringLiteral("2006-03-10 14:31:47 -0500")) << "not a string: unset";
 }
 
-TEST_F(TitleRefresh, ChangesShowWithinASecondWithoutARebuild)
-{
-    launch();
-    set(SettingsKey::LastTitleDisplayName, QStringLiteral("Long Date"));
-    platform.timers.advance(1.0);
-    EXPECT_EQ(item().title(), QStringLiteral("March 10, 2006"));
-    const int builds = controller.setupCount();
-    set(SettingsKey::LastTitleDisplayName, QStringLiteral("Full Date Time"));
-    platform.timers.advance(1.0);
-    EXPECT_EQ(item().title(),
-              QStringLiteral("Friday, March 10, 2006 at 2:31:49" NNBSP "PM Eastern Standard Time"));
-    EXPECT_EQ(controller.setupCount(), builds);
-}
-
 TEST_F(TitleRefresh, FollowsAClockSetBackAndAZoneChangeAtTheNextWholeSecond)
 {
     platform.clock.set(kFriday + 0.4);
