@@ -64,14 +64,6 @@ TEST_F(LocaleDictionaryTest, GermanNamesAndPatterns)
     EXPECT_EQ(render(u"%c|%x|%X"_s, &registration), u"10.03.2006, 14:31:47|10.03.2006|14:31:47"_s);
 }
 
-TEST_F(LocaleDictionaryTest, JapaneseNamesAndPatterns)
-{
-    const QVariantMap registration = registrationFor("ja_JP.UTF-8");
-    EXPECT_EQ(render(u"%A %p%1I時"_s, &registration),
-              u"金曜日 午後02時"_s.replace(u"02"_s, u"2"_s));
-    EXPECT_EQ(render(u"%c|%x"_s, &registration), u"2006/03/10 14:31:47|2006/03/10"_s);
-}
-
 TEST_F(LocaleDictionaryTest, AMalformedEntryFallsBackToEnglishForThatKeyOnly)
 {
     QVariantMap dictionary;

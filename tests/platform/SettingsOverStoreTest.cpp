@@ -24,11 +24,6 @@ protected:
                                            "<plist version=\"1.0\"><dict>" +
                                                body + "</dict></plist>"));
     }
-    QStringList customDates()
-    {
-        m_store.appSynchronize(AppIdentifier);
-        return CustomDatesFromValue(m_store.copyAppValue(SettingsKey::CustomDates, AppIdentifier));
-    }
 
     QTemporaryDir m_dir = ScratchDirectory();
     QString m_path = m_dir.path() + QStringLiteral("/org.horalo.Horalo.plist");
@@ -69,22 +64,6 @@ TEST_F(SettingsOverStoreTest, EachBooleanHasItsDefaultFollowsItsStoredValueAndIg
             EXPECT_EQ(c.accessor(m_store), c.fallback) << wrong;
         }
     }
-}
-
-TEST_F(SettingsOverStoreTest, TheTitleNameIsAnyStoredStringAndCustomDatesTheStringsOfAList)
-{
-    EXPECT_EQ(TitleDisplayName(m_store), u"Medium Date"_s);
-    EXPECT_TRUE(customDates().isEmpty());
-    writeXml("<key>LastTitleDisplayName</key><integer>3</integer>"
-             "<key>Custom Dates</key><string>%Y</string>");
-    EXPECT_EQ(TitleDisplayName(m_store), u"Medium Date"_s);
-    EXPECT_TRUE(customDates().isEmpty());
-
-    writeXml("<key>LastTitleDisplayName</key><string>No Such Format</string>"
-             "<key>Custom Dates</key><array><string>%Y</string><integer>4</integer>"
-             "<string>%d %b</string><dict/></array>");
-    EXPECT_EQ(TitleDisplayName(m_store), u"No Such Format"_s) << "names are not checked here";
-    EXPECT_EQ(customDates(), (QStringList{u"%Y"_s, u"%d %b"_s}));
 }
 
 TEST_F(SettingsOverStoreTest, EveryReadGoesToTheFileAfresh)

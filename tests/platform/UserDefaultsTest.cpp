@@ -4,8 +4,6 @@
 #include "platform/AppIdentifier.h"
 #include "platform/store/PlistPreferencesStore.h"
 
-#include <QDateTime>
-
 #include <gtest/gtest.h>
 
 namespace {
@@ -43,18 +41,6 @@ TEST_F(UserDefaultsTest, StoredValuesLieOverTheRegistrationLayer)
     EXPECT_EQ(all.value(u"menuTitleFormatter"_s), QVariant(u"%Y"_s));
     EXPECT_EQ(all.value(u"AppleLocale"_s), QVariant(u"en_US"_s));
     EXPECT_EQ(all.size(), 2);
-}
-
-TEST_F(UserDefaultsTest, StringForKeyGivesNullForOtherTypes)
-{
-    const QDateTime date = QDateTime::fromSecsSinceEpoch(1142019107, Qt::UTC);
-    store(u"datePickerValue"_s, date);
-    store(u"number"_s, 5);
-    EXPECT_EQ(m_defaults.objectForKey(u"datePickerValue"_s), QVariant(date));
-    EXPECT_TRUE(m_defaults.stringForKey(u"datePickerValue"_s).isNull());
-    EXPECT_TRUE(m_defaults.stringForKey(u"number"_s).isNull());
-    EXPECT_TRUE(m_defaults.stringForKey(u"missing"_s).isNull());
-    EXPECT_EQ(m_defaults.stringForKey(u"AppleLocale"_s), u"en_US"_s);
 }
 
 TEST_F(UserDefaultsTest, ALayerThatNamesItsKeysIsBuiltOnlyForThoseKeysAndOnlyWhenNotStored)

@@ -152,22 +152,6 @@ TEST_F(MenuConstruction, InformationalRowsCannotBeChosenAndNothingHasAShortcut)
     EXPECT_FALSE(item().chooseItemTitled(QStringLiteral("Custom Dates")));
 }
 
-TEST_F(MenuConstruction, EveryOpeningRebuildsFromScratch)
-{
-    launch();
-    const QStringList first = menuLines();
-    Menu *menu = controller.statusMenu().menu();
-    item().openMenu();
-    item().openMenu();
-    EXPECT_EQ(menuLines(), first);
-    EXPECT_EQ(controller.statusMenu().menu(), menu) << "the menu object is reused";
-
-    // A setting written elsewhere shows at the next opening, without a broadcast.
-    platform.ownStore.setAppValue(SettingsKey::IncludeGMTDateTime, false, AppIdentifier);
-    item().openMenu();
-    EXPECT_FALSE(actions().contains(MenuAction::GMTDateTime));
-}
-
 TEST_F(MenuConstruction, IconFollowsItsSettingAtEveryBuild)
 {
     launch();

@@ -139,20 +139,6 @@ TEST_F(Copying, TextIsRenderedAgainAtTheMomentOfChoice)
     EXPECT_EQ(platform.clipboard.contents(), QByteArray("2006-03-10 14:31:52 -0500"));
 }
 
-TEST_F(Copying, APickedMomentIsCopiedInsteadOfNow)
-{
-    launch();
-    g_selectedDateTime = kFriday - 3 * 365 * kDay; // 2003, before daylight saving began
-    MenuItem custom;
-    custom.toolTip = QStringLiteral("%Y-%m-%d %z");
-    controller.customDateFormatter(custom);
-    EXPECT_EQ(platform.clipboard.contents(), QByteArray("2003-03-11 -0500"));
-    controller.numericalDateNoHyphens(custom);
-    EXPECT_EQ(platform.clipboard.contents(), QByteArray("20030311"));
-    controller.mediumDate(custom);
-    EXPECT_EQ(platform.clipboard.contents(), QByteArray("Mar 11, 2003"));
-}
-
 TEST_F(Copying, NonAsciiTextArrivesAsUtf8)
 {
     setenv("LANG", "ja_JP.UTF-8", 1);
